@@ -1,0 +1,36 @@
+// FatalError.h - the one way the platform library ends the process on a
+// programming error (a null reference, a date out of range, ...).
+//
+// The routine takes a wide-character message that names the class and the
+// fault, keeps it where a debugger or a core dump can find it, and ends the
+// process with exit status 1. It prints nothing, deliberately: the message is
+// for the developer at the debugger, not for a log.
+//
+//   if (IsNullReference(result))
+//       FatalError(L"PosixResultPasFail: result NULL reference.");
+#ifndef KIVPLR_FATALERROR_H
+#define KIVPLR_FATALERROR_H
+
+namespace KivPlr {
+
+/// Ends the process with exit(1) without printing anything. \p message is
+/// stored in LastFatalErrorMessage first, for post-mortem inspection.
+[[noreturn]] void FatalError(const wchar_t* message);
+
+/// The message of the fatal error in progress, or null. Kept for debuggers.
+extern const wchar_t* volatile LastFatalErrorMessage;
+
+/// True when \p reference was bound to a null address. Written so that the
+/// optimiser cannot assume a reference is never null and drop the test: the
+/// address is passed through an empty assembler statement first.
+template <typename T>
+inline bool IsNullReference(const T& reference)
+{
+    const void* address = &reference;
+    asm volatile("" : "+r"(address));
+    return address == nullptr;
+}
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,26 @@
+// IObject2.h - adds access to the reference-count block behind an object.
+//
+// A holder that must learn later whether an object still lives keeps the
+// block (Hold) and promotes itself with IncrementUnlessZero:
+//
+//   ReferenceCounter* block = object->GetReferenceCounter();
+//   block->Hold();
+#ifndef KIVPLR_IOBJECT2_H
+#define KIVPLR_IOBJECT2_H
+
+#include "IObject.h"
+
+namespace KivPlr {
+
+class ReferenceCounter;
+
+class IObject2 : public virtual IObject
+{
+public:
+    /// The object's count block, unchanged; it outlives the object while held.
+    virtual ReferenceCounter* GetReferenceCounter() = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,28 @@
+// IResultConverter.h - turns a native return code into a _Result.
+//
+// Zero means pass (200), anything else means fail (500): a positive error
+// number as the pthread functions return it, or -1 as most system calls do.
+// The native error number is not kept; read errno before the next call.
+//
+//   SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+//   converter->Convert(pthread_cond_signal(&condition), result);
+//
+// Converters are stateless and may be shared between threads.
+#ifndef KIVPLR_IRESULTCONVERTER_H
+#define KIVPLR_IRESULTCONVERTER_H
+
+#include "IObject.h"
+
+namespace KivPlr {
+
+class IResultConverter : public virtual IObject
+{
+public:
+    /// \p result = 200 if \p nativeResult is 0, else 500. A null \p result
+    /// reference ends the process (fatal error).
+    virtual void Convert(int nativeResult, _Result& result) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,14 @@
+#include "LinuxResultConverter.h"
+
+#include "FatalError.h"
+
+namespace KivPlr {
+
+void LinuxResultConverter::Convert(int nativeResult, _Result& result)
+{
+    if (IsNullReference(result))
+        FatalError(L"LinuxResultPassFail: result NULL reference.");
+    result = nativeResult == 0 ? ResultPass : ResultFail;
+}
+
+} // namespace KivPlr

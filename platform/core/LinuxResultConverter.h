@@ -1,0 +1,26 @@
+// LinuxResultConverter.h - the result converter of the file and directory managers.
+//
+// Stateless; created with new and shared through SmartPtr by any number of
+// threads.
+//
+//   SmartPtr<IResultConverter> converter(new LinuxResultConverter);
+//   converter->Convert(-1, result);   // result == ResultFail
+#ifndef KIVPLR_LINUXRESULTCONVERTER_H
+#define KIVPLR_LINUXRESULTCONVERTER_H
+
+#include "IResultConverter.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class LinuxResultConverter : private Object, public IResultConverter
+{
+public:
+    /// 200 for 0, 500 for anything else. A null \p result reference is fatal:
+    /// "LinuxResultPassFail: result NULL reference."
+    void Convert(int nativeResult, _Result& result) override;
+};
+
+} // namespace KivPlr
+
+#endif

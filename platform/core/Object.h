@@ -1,0 +1,47 @@
+// Object.h - the reference-counted base of every platform object.
+//
+// Object implements the counting of IObject and IObject2 over a
+// ReferenceCounter block that it allocates. Concrete classes derive from
+// Object and from their interface; they are created with new, start at
+// count 0, are owned through SmartPtr and delete themselves when the last
+// reference goes. Nobody calls delete on them.
+//
+//   class PosixResultPassFail : private Object, public IResultConverter { ... };
+//   SmartPtr<IResultConverter> converter(new PosixResultPassFail);  // count 1
+//
+// Counting is atomic and safe from any thread.
+#ifndef KIVPLR_OBJECT_H
+#define KIVPLR_OBJECT_H
+
+#include "IObject2.h"
+
+namespace KivPlr {
+
+class Object : public virtual IObject, public virtual IObject2
+{
+public:
+    Object();
+    ~Object() override;
+
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+
+    std::uint32_t AddRef() override;
+    /// A decrement that yields anything but 0 (also one that wraps below 0)
+    /// destroys nothing.
+    std::uint32_t Release() override;
+    std::uint32_t GetReferenceCount() override;
+    /// Sets \p result to 501 and hands over to QueryInterfaceImpl.
+    bool QueryInterface(const Uuid* interfaceId, void** object, _Result& result) override;
+    ReferenceCounter* GetReferenceCounter() override;
+
+    /// The overridable step behind QueryInterface; answers 501 here.
+    virtual bool QueryInterfaceImpl(const Uuid* interfaceId, void** object, _Result& result);
+
+private:
+    ReferenceCounter* counter;
+};
+
+} // namespace KivPlr
+
+#endif

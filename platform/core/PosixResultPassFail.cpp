@@ -1,0 +1,14 @@
+#include "PosixResultPassFail.h"
+
+#include "FatalError.h"
+
+namespace KivPlr {
+
+void PosixResultPassFail::Convert(int nativeResult, _Result& result)
+{
+    if (IsNullReference(result))
+        FatalError(L"PosixResultPasFail: result NULL reference.");
+    result = nativeResult == 0 ? ResultPass : ResultFail;
+}
+
+} // namespace KivPlr

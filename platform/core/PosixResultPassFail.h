@@ -1,0 +1,26 @@
+// PosixResultPassFail.h - the result converter of the POSIX locks, threads and semaphores.
+//
+// Stateless; created with new and shared through SmartPtr by any number of
+// threads.
+//
+//   SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+//   converter->Convert(-1, result);   // result == ResultFail
+#ifndef KIVPLR_POSIXRESULTPASSFAIL_H
+#define KIVPLR_POSIXRESULTPASSFAIL_H
+
+#include "IResultConverter.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class PosixResultPassFail : private Object, public IResultConverter
+{
+public:
+    /// 200 for 0, 500 for anything else. A null \p result reference is fatal:
+    /// "PosixResultPasFail: result NULL reference."
+    void Convert(int nativeResult, _Result& result) override;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,52 @@
+// ReferenceCounter.h - the count block behind every platform object.
+//
+// Object allocates one block per object. `references` is the object's strong
+// count (0 for a new object); `holders` counts who keeps the block itself
+// alive (1 at first: the object's own hold). A party that called
+// GetReferenceCounter can Hold the block and later promote itself with
+// IncrementUnlessZero, which fails once the object is gone.
+//
+//   ReferenceCounter* block = object->GetReferenceCounter();
+//   block->Hold();
+//   ...
+//   if (block->IncrementUnlessZero()) { /* object still alive, now counted */ }
+//   block->Unhold();
+//
+// Every read-modify-write is atomic with full ordering; any thread may use it.
+#ifndef KIVPLR_REFERENCECOUNTER_H
+#define KIVPLR_REFERENCECOUNTER_H
+
+#include <cstdint>
+
+namespace KivPlr {
+
+class ReferenceCounter
+{
+public:
+    ReferenceCounter();
+
+    /// Adds 1 to the strong count; returns the new value.
+    std::uint32_t Increment();
+    /// Subtracts 1 from the strong count (wrapping below 0); returns the new value.
+    std::uint32_t Decrement();
+    /// Decrements; returns 1 when the new value is 0, else 0.
+    std::uint32_t ReleaseTest();
+    /// The strong count as it is now; only a snapshot.
+    std::uint32_t Read() const;
+    /// Adds 1 unless the count is 0; returns 1 on success, 0 if it was 0.
+    std::uint32_t IncrementUnlessZero();
+    /// Adds 1 to the holders of the block; returns the new value.
+    std::uint32_t Hold();
+    /// Drops one hold; the last one frees the block (do not touch it after).
+    void Unhold();
+
+    std::uint32_t references;
+    std::uint32_t holders;
+
+private:
+    ~ReferenceCounter() = default;
+};
+
+} // namespace KivPlr
+
+#endif

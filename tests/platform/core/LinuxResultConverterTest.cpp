@@ -1,0 +1,53 @@
+#include "ChildProcess.h"
+#include "LinuxResultConverter.h"
+#include "SmartPtr.h"
+
+#include <gtest/gtest.h>
+
+using namespace KivPlr;
+
+namespace {
+
+// Builds a null reference the way a caller handing in a null pointer does,
+// without the compiler seeing through it.
+__attribute__((no_sanitize("undefined"))) _Result& NullResultReference()
+{
+    _Result* pointer = nullptr;
+    asm volatile("" : "+r"(pointer));
+    return *pointer;
+}
+
+} // namespace
+
+TEST(LinuxResultConverterTest, ZeroConvertsToPass)
+{
+    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
+    _Result result = ResultFail;
+    converter->Convert(0, result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST(LinuxResultConverterTest, NonZeroConvertsToFail)
+{
+    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
+    for (int native : {-1, 22, 1, 110}) {
+        _Result result = ResultPass;
+        converter->Convert(native, result);
+        EXPECT_EQ(result, ResultFail) << native;
+    }
+}
+
+TEST(LinuxResultConverterTest, NewConverterHasCountZero)
+{
+    LinuxResultConverter* converter = new LinuxResultConverter;
+    IResultConverter* asInterface = converter;
+    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
+    SmartPtr<IResultConverter> owner(converter);
+}
+
+TEST(LinuxResultConverterTest, NullResultReferenceExitsSilently)
+{
+    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
+    EXPECT_FATAL_SILENT(converter->Convert(0, NullResultReference()));
+    EXPECT_FATAL_SILENT(converter->Convert(-1, NullResultReference()));
+}
