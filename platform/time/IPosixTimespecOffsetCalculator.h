@@ -1,0 +1,28 @@
+// IPosixTimespecOffsetCalculator.h - turns a relative time-out into the
+// absolute deadline that sem_timedwait and pthread_cond_timedwait take.
+//
+//   struct timespec deadline;
+//   calculator->ComputeDeadline(1500, deadline);   // now + 1.5 s
+//   pthread_cond_timedwait(&condition, &mutex, &deadline);
+//
+// Holds no mutable state; any thread may call it.
+#ifndef KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
+#define KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
+
+#include "IObject.h"
+
+#include <cstdint>
+#include <ctime>
+
+namespace KivPlr {
+
+class IPosixTimespecOffsetCalculator : public virtual IObject
+{
+public:
+    /// \p deadline = the provider's current time + \p timeoutMilliseconds.
+    virtual void ComputeDeadline(std::uint32_t timeoutMilliseconds, struct timespec& deadline) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,29 @@
+// IPosixTimespecProvider.h - a source of the current POSIX time.
+//
+// The implementation reads one POSIX clock, chosen when it is made
+// (CLOCK_REALTIME for the deadlines of locks and semaphores, CLOCK_MONOTONIC
+// for stopwatches):
+//
+//   struct timespec now;
+//   if (provider->GetCurrentTime(now) != 0) { /* errno tells why */ }
+//
+// Holds no mutable state; any thread may call it.
+#ifndef KIVPLR_IPOSIXTIMESPECPROVIDER_H
+#define KIVPLR_IPOSIXTIMESPECPROVIDER_H
+
+#include "IObject.h"
+
+#include <ctime>
+
+namespace KivPlr {
+
+class IPosixTimespecProvider : public virtual IObject
+{
+public:
+    /// clock_gettime on the provider's clock; its return value unchanged.
+    virtual int GetCurrentTime(struct timespec& now) = 0;
+};
+
+} // namespace KivPlr
+
+#endif
