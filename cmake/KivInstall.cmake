@@ -25,5 +25,9 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/KivPlrConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/KivPlrConfig.cmake ${PROJECT_BINARY_DIR}/KivPlrConfigVersion.cmake
     DESTINATION ${KIVPLR_CMAKE_DIR})
 
+# The .pc file finds the prefix relative to itself, so the tree can be
+# installed under any prefix (or DESTDIR) and moved afterwards.
+file(RELATIVE_PATH KIVPLR_PC_PREFIX_FROM_PCDIR
+    /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kivplr.pc.in ${PROJECT_BINARY_DIR}/kivplr.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kivplr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

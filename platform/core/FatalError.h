@@ -6,7 +6,7 @@
 // process with exit status 1. It prints nothing, deliberately: the message is
 // for the developer at the debugger, not for a log.
 //
-//   if (IsNullReference(result))
+//   if (IsNullReference(&result))
 //       FatalError(L"PosixResultPasFail: result NULL reference.");
 #ifndef KIVPLR_FATALERROR_H
 #define KIVPLR_FATALERROR_H
@@ -20,15 +20,17 @@ namespace KivPlr {
 /// The message of the fatal error in progress, or null. Kept for debuggers.
 extern const wchar_t* volatile LastFatalErrorMessage;
 
-/// True when \p reference was bound to a null address. Written so that the
-/// optimiser cannot assume a reference is never null and drop the test: the
-/// address is passed through an empty assembler statement first.
+/// True when a reference parameter was bound to a null address; call it with
+/// the reference's address: `if (IsNullReference(&result))`. Taking the
+/// address (rather than binding the reference again) keeps the check itself
+/// free of undefined behaviour, and the empty assembler statement stops the
+/// optimiser from assuming that a reference is never null and dropping it.
 template <typename T>
-inline bool IsNullReference(const T& reference)
+inline bool IsNullReference(const T* address)
 {
-    const void* address = &reference;
-    asm volatile("" : "+r"(address));
-    return address == nullptr;
+    const void* seen = address;
+    asm volatile("" : "+r"(seen));
+    return seen == nullptr;
 }
 
 } // namespace KivPlr

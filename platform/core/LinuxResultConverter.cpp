@@ -6,7 +6,7 @@ namespace KivPlr {
 
 void LinuxResultConverter::Convert(int nativeResult, _Result& result)
 {
-    if (IsNullReference(result))
+    if (IsNullReference(&result))
         FatalError(L"LinuxResultPassFail: result NULL reference.");
     result = nativeResult == 0 ? ResultPass : ResultFail;
 }
