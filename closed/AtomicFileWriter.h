@@ -1,0 +1,34 @@
+// AtomicFileWriter.h - replaces one file in the current working directory
+// atomically and durably: temporary file beside it, fsync, rename over the
+// target, fsync of the directory.
+//
+// Used by Discovery::WriteToFile; a stateless helper, safe on any thread as
+// long as no other thread changes the working directory meanwhile.
+//
+//   std::string fault;
+//   if (!AtomicFileWriter::Replace("Management.xml", text, 0644, fault))
+//       report(fault);   // "Management.xml: cannot write ...: No space left on device"
+#ifndef KIV_CLOSED_ATOMICFILEWRITER_H
+#define KIV_CLOSED_ATOMICFILEWRITER_H
+
+#include <string>
+#include <sys/types.h>
+
+namespace KivClosed {
+
+class AtomicFileWriter
+{
+public:
+    /// Writes \p content to \p fileName (a plain name, resolved in the
+    /// current working directory) with permission bits \p mode, whatever the
+    /// umask. A reader of \p fileName sees the old whole file or the new
+    /// whole file. On failure answers false with \p fault saying what failed;
+    /// the old file is then unchanged and the temporary file removed. A
+    /// failure to flush the directory after the rename is reported too,
+    /// although the new content is then in place.
+    static bool Replace(const std::string& fileName, const std::string& content, mode_t mode, std::string& fault);
+};
+
+} // namespace KivClosed
+
+#endif

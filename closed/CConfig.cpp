@@ -1,0 +1,132 @@
+#include "CConfig.h"
+
+#include "XmlRecordReader.h"
+
+#include <utility>
+
+namespace VpCfg {
+
+namespace {
+
+using KivClosed::XmlRecordReader;
+
+const uint32_t kDefaultThresholdLow = 40;
+const uint32_t kDefaultThresholdHigh = 55;
+const uint32_t kLargestPort = 65535;
+const uint32_t kLargestNumber = 4294967295u;
+
+/// The text elements with their defaults, in the order of CConfig's text fields.
+struct TextElement
+{
+    const char* element;
+    const char* defaultValue;
+};
+
+const TextElement kTextElements[] = {
+    {"description", ""},          {"timeZone", "Europe/Zurich"}, {"computerName", "trxDefault"},
+    {"formatVersion", "1.0"},     {"owner", "nil"},              {"siteLocation", "unspecified"},
+    {"domainName", "localdomain"}, {"productPrefix", "TRX"},
+};
+
+template <typename Texts>
+void FillDefaults(Texts& texts)
+{
+    for (size_t index = 0; index < texts.size(); ++index)
+        texts[index] = kTextElements[index].defaultValue;
+}
+
+void ReadServices(XmlRecordReader& reader, pugi::xml_node root, CServiceList& services)
+{
+    pugi::xml_node list = reader.SingleChild(root, "services");
+    if (!list)
+        return;
+    for (pugi::xml_node service : reader.RepeatedChildren(list, "service", CConfig::kMaximumServices)) {
+        uint32_t kind = 0;
+        uint32_t port = 0;
+        bool kindRead = reader.ReadNumberAttribute(service, "kind", kLargestNumber, kind);
+        bool portRead = reader.ReadNumberAttribute(service, "port", kLargestPort, port);
+        if (kindRead && portRead)
+            services.Add(CServiceEntry(kind, static_cast<uint16_t>(port)));
+    }
+}
+
+} // namespace
+
+CConfig::CConfig()
+    : descriptionText(nullptr), timeZoneName(nullptr), computerName(nullptr), formatVersion(nullptr),
+      owner(nullptr), siteLocation(nullptr), domainName(nullptr), thresholdLow(0), thresholdHigh(0),
+      productPrefix(nullptr)
+{
+    static_assert(sizeof kTextElements / sizeof kTextElements[0] == std::tuple_size<Texts>::value,
+                  "one default per text field");
+    Texts defaults;
+    FillDefaults(defaults);
+    CServiceList noServices;
+    Adopt(defaults, kDefaultThresholdLow, kDefaultThresholdHigh, noServices);
+}
+
+CConfig::~CConfig() = default;
+
+bool CConfig::LoadResources(const char* path)
+{
+    if (path == nullptr) {
+        errors.assign(1, "no configuration directory given");
+        return false;
+    }
+    XmlRecordReader reader(std::string(path) + "/configuration.xml", kMaximumFileBytes, kMaximumTextBytes);
+    Texts newTexts;
+    FillDefaults(newTexts);
+    uint32_t low = kDefaultThresholdLow;
+    uint32_t high = kDefaultThresholdHigh;
+    CServiceList services;
+    pugi::xml_node root = reader.Open("configuration");
+    if (root) {
+        for (size_t index = 0; index < newTexts.size(); ++index) {
+            pugi::xml_node element = reader.SingleChild(root, kTextElements[index].element);
+            if (element)
+                reader.ReadText(element, newTexts[index]);
+        }
+        pugi::xml_node lowElement = reader.SingleChild(root, "thresholdLow");
+        if (lowElement)
+            reader.ReadNumber(lowElement, kLargestNumber, low);
+        pugi::xml_node highElement = reader.SingleChild(root, "thresholdHigh");
+        if (highElement)
+            reader.ReadNumber(highElement, kLargestNumber, high);
+        ReadServices(reader, root, services);
+    }
+    if (!reader.Succeeded()) {
+        errors = reader.Errors();
+        return false;
+    }
+    Adopt(newTexts, low, high, services);
+    errors.clear();
+    return true;
+}
+
+void CConfig::Adopt(Texts& newTexts, uint32_t low, uint32_t high, CServiceList& services)
+{
+    texts.swap(newTexts);
+    descriptionText = texts[0].c_str();
+    timeZoneName = texts[1].c_str();
+    computerName = texts[2].c_str();
+    formatVersion = texts[3].c_str();
+    owner = texts[4].c_str();
+    siteLocation = texts[5].c_str();
+    domainName = texts[6].c_str();
+    productPrefix = texts[7].c_str();
+    thresholdLow = low;
+    thresholdHigh = high;
+    serviceList.Swap(services);
+}
+
+const std::vector<std::string>& CConfig::ErrorMessages() const
+{
+    return errors;
+}
+
+std::string CConfig::ErrorMessage() const
+{
+    return XmlRecordReader::Join(errors);
+}
+
+} // namespace VpCfg

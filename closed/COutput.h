@@ -1,0 +1,36 @@
+// COutput.h - one video output of the unit as the status snapshot describes
+// it: its number, its kind and the size of its translation table.
+//
+// Made by the status loader and owned by the record's COutputList; readers
+// get const pointers that stay valid until the next successful
+// CStatus::Load. Read on the loading thread only.
+//
+//   const VpSts::COutput* output = gStatus.outputList[0u];
+//   if (output != nullptr && output->outputKind == 0)
+//       publish(output->outputNumber, output->translationRows, output->translationColumns);
+#ifndef KIV_CLOSED_COUTPUT_H
+#define KIV_CLOSED_COUTPUT_H
+
+#include <cstdint>
+
+namespace VpSts {
+
+class COutput
+{
+public:
+    /// An output with the four numbers of the file's output element.
+    COutput(uint32_t number, uint32_t kind, uint32_t rows, uint32_t columns);
+
+    /// Attribute number.
+    uint32_t outputNumber;
+    /// Attribute kind; 0 marks an output that is published.
+    uint32_t outputKind;
+    /// Attribute rows.
+    uint32_t translationRows;
+    /// Attribute columns.
+    uint32_t translationColumns;
+};
+
+} // namespace VpSts
+
+#endif

@@ -1,0 +1,7 @@
+#include "CServiceEntry.h"
+
+namespace VpCfg {
+
+CServiceEntry::CServiceEntry(uint32_t kind, uint16_t port) : serviceKind(kind), servicePort(port) {}
+
+} // namespace VpCfg
