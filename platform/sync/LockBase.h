@@ -1,0 +1,41 @@
+// LockBase.h - the portable half of a monitor lock.
+//
+// LockBase implements ILock by handing every operation to a protected
+// operation that the system's own lock (PosixLock) fills in; it only decides
+// between the waits with and without a time-out. It is never made by itself,
+// only as the base of such a lock, and is as thread-safe as that lock.
+//
+//   class PosixLock : public LockBase { void LockImpl() override; ... };
+#ifndef KIVPLR_LOCKBASE_H
+#define KIVPLR_LOCKBASE_H
+
+#include "ILock.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class LockBase : protected Object, public ILock
+{
+public:
+    void Lock() override;
+    bool TryLock() override;
+    void Unlock() override;
+    void NotifyOne(_Result& result) override;
+    void NotifyAll(_Result& result) override;
+    void Wait(_Result& result) override;
+    /// WaitForever goes to WaitImpl, every other value to TimedWaitImpl.
+    void Wait(std::uint32_t milliseconds, _Result& result) override;
+
+protected:
+    virtual void LockImpl() = 0;
+    virtual bool TryLockImpl() = 0;
+    virtual void UnlockImpl() = 0;
+    virtual void NotifyOneImpl(_Result& result) = 0;
+    virtual void NotifyAllImpl(_Result& result) = 0;
+    virtual void WaitImpl(_Result& result) = 0;
+    virtual void TimedWaitImpl(std::uint32_t milliseconds, _Result& result) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,49 @@
+// PosixSharedLock.h - the reader/writer lock over a POSIX read-write lock.
+//
+// Made by IPosix::CreateSharedLock (through the platform factory) with its
+// own result converter, which it keeps alive; owned through
+// SmartPtr<ISharedLock>. Any thread may use it. The read-write lock has
+// default attributes.
+//
+//   SmartPtr<ISharedLock> lock(new PosixSharedLock(converter));
+//   if (lock->TryWriteLock()) { ... lock->Unlock(); }
+#ifndef KIVPLR_POSIXSHAREDLOCK_H
+#define KIVPLR_POSIXSHAREDLOCK_H
+
+#include "IResultConverter.h"
+#include "SharedLockBase.h"
+#include "SmartPtr.h"
+
+#include <pthread.h>
+
+namespace KivPlr {
+
+class PosixSharedLock : public SharedLockBase
+{
+public:
+    /// Keeps a reference on the converter. A missing converter is fatal only
+    /// when a try operation needs it ("SmartPtr<T>-> NULL reference").
+    explicit PosixSharedLock(IResultConverter* resultConverter);
+    ~PosixSharedLock() override;
+
+    /// The converter this lock uses, without touching its count; for
+    /// diagnostics and tests.
+    IResultConverter* GetResultConverter() const;
+
+protected:
+    void ReadLockImpl() override;
+    /// Succeeded of the converted pthread_rwlock_tryrdlock return code.
+    bool TryReadLockImpl() override;
+    void WriteLockImpl() override;
+    /// Succeeded of the converted pthread_rwlock_trywrlock return code.
+    bool TryWriteLockImpl() override;
+    void UnlockImpl() override;
+
+private:
+    pthread_rwlock_t lock;
+    SmartPtr<IResultConverter> resultConverter;
+};
+
+} // namespace KivPlr
+
+#endif

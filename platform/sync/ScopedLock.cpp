@@ -1,0 +1,15 @@
+#include "ScopedLock.h"
+
+namespace KivPlr {
+
+ScopedLock::ScopedLock(const SmartPtr<ILock>& lock) : lock(lock)
+{
+    this->lock->Lock();
+}
+
+ScopedLock::~ScopedLock()
+{
+    lock->Unlock();
+}
+
+} // namespace KivPlr

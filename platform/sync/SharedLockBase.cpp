@@ -1,0 +1,30 @@
+#include "SharedLockBase.h"
+
+namespace KivPlr {
+
+void SharedLockBase::ReadLock()
+{
+    ReadLockImpl();
+}
+
+bool SharedLockBase::TryReadLock()
+{
+    return TryReadLockImpl();
+}
+
+void SharedLockBase::WriteLock()
+{
+    WriteLockImpl();
+}
+
+bool SharedLockBase::TryWriteLock()
+{
+    return TryWriteLockImpl();
+}
+
+void SharedLockBase::Unlock()
+{
+    UnlockImpl();
+}
+
+} // namespace KivPlr

@@ -1,0 +1,36 @@
+// SharedLockBase.h - the portable half of a reader/writer lock.
+//
+// SharedLockBase implements ISharedLock by handing every operation to the
+// protected operation of the same position, which the system's own lock
+// (PosixSharedLock) fills in. It is never made by itself, and is as
+// thread-safe as the lock that derives from it.
+//
+//   class PosixSharedLock : public SharedLockBase { void ReadLockImpl() override; ... };
+#ifndef KIVPLR_SHAREDLOCKBASE_H
+#define KIVPLR_SHAREDLOCKBASE_H
+
+#include "ISharedLock.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class SharedLockBase : protected Object, public ISharedLock
+{
+public:
+    void ReadLock() override;
+    bool TryReadLock() override;
+    void WriteLock() override;
+    bool TryWriteLock() override;
+    void Unlock() override;
+
+protected:
+    virtual void ReadLockImpl() = 0;
+    virtual bool TryReadLockImpl() = 0;
+    virtual void WriteLockImpl() = 0;
+    virtual bool TryWriteLockImpl() = 0;
+    virtual void UnlockImpl() = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,302 @@
+#include "ChildProcess.h"
+#include "FakeTimespecOffsetCalculator.h"
+#include "PosixLock.h"
+#include "PosixResultPassFail.h"
+#include "RecordingResultConverter.h"
+#include "SmartPtr.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <deque>
+#include <set>
+#include <thread>
+#include <vector>
+
+using namespace KivPlr;
+using KivTest::FakeTimespecOffsetCalculator;
+using KivTest::RecordingResultConverter;
+
+namespace {
+
+class PosixLockTest : public ::testing::Test
+{
+protected:
+    SmartPtr<FakeTimespecOffsetCalculator> calculator{new FakeTimespecOffsetCalculator};
+    SmartPtr<RecordingResultConverter> converter{new RecordingResultConverter};
+    SmartPtr<ILock> lock{new PosixLock(calculator.Get(), converter.Get())};
+};
+
+bool TryLockFromAnotherThread(ILock& lock)
+{
+    bool acquired = false;
+    std::thread other([&] {
+        acquired = lock.TryLock();
+        if (acquired)
+            lock.Unlock();
+    });
+    other.join();
+    return acquired;
+}
+
+// Two producers hand out disjoint item numbers through a queue guarded by the
+// monitor; two consumers take them until each receives a stop item (-1). The
+// producers wake consumers with NotifyOne or NotifyAll.
+std::multiset<int> RunProducersAndConsumers(ILock& lock, bool notifyAll)
+{
+    constexpr int itemsPerProducer = 2000;
+    std::deque<int> queue;
+    std::multiset<int> taken;
+    auto push = [&](int item) {
+        lock.Lock();
+        queue.push_back(item);
+        _Result result = ResultFail;
+        if (notifyAll)
+            lock.NotifyAll(result);
+        else
+            lock.NotifyOne(result);
+        EXPECT_EQ(result, ResultPass);
+        lock.Unlock();
+    };
+    auto consume = [&] {
+        for (;;) {
+            lock.Lock();
+            while (queue.empty()) {
+                _Result result = ResultFail;
+                lock.Wait(result);
+                EXPECT_EQ(result, ResultPass);
+            }
+            int item = queue.front();
+            queue.pop_front();
+            if (item >= 0)
+                taken.insert(item);
+            lock.Unlock();
+            if (item < 0)
+                return;
+        }
+    };
+    std::vector<std::thread> threads;
+    threads.emplace_back(consume);
+    threads.emplace_back(consume);
+    for (int producer = 0; producer < 2; ++producer)
+        threads.emplace_back([&, producer] {
+            for (int index = 0; index < itemsPerProducer; ++index)
+                push(producer * itemsPerProducer + index);
+        });
+    threads[2].join();
+    threads[3].join();
+    push(-1);
+    push(-1);
+    threads[0].join();
+    threads[1].join();
+    return taken;
+}
+
+std::multiset<int> AllItems()
+{
+    std::multiset<int> all;
+    for (int item = 0; item < 4000; ++item)
+        all.insert(item);
+    return all;
+}
+
+} // namespace
+
+TEST_F(PosixLockTest, NewLockHasCountZero)
+{
+    ILock* fresh = new PosixLock(calculator.Get(), converter.Get());
+    EXPECT_EQ(fresh->GetReferenceCount(), 0u);
+    SmartPtr<ILock> owner(fresh);
+}
+
+TEST_F(PosixLockTest, KeepsItsOwnReferenceOnEachHelper)
+{
+    EXPECT_EQ(calculator->GetReferenceCount(), 2u);
+    EXPECT_EQ(converter->GetReferenceCount(), 2u);
+    lock.Reset();
+    EXPECT_EQ(calculator->GetReferenceCount(), 1u);
+    EXPECT_EQ(converter->GetReferenceCount(), 1u);
+}
+
+TEST_F(PosixLockTest, TryLockOnAFreeLockAnswersTrueAndLeavesItHeld)
+{
+    EXPECT_TRUE(lock->TryLock());
+    EXPECT_FALSE(TryLockFromAnotherThread(*lock));
+    lock->Unlock();
+    EXPECT_TRUE(TryLockFromAnotherThread(*lock));
+}
+
+TEST_F(PosixLockTest, TryLockFromAnotherThreadAnswersFalseWhileHeld)
+{
+    lock->Lock();
+    EXPECT_FALSE(TryLockFromAnotherThread(*lock));
+    lock->Unlock();
+    EXPECT_TRUE(TryLockFromAnotherThread(*lock));
+}
+
+TEST_F(PosixLockTest, LockIsNotRecursive)
+{
+    // A recursive mutex would let its holder take it again; this one refuses.
+    lock->Lock();
+    EXPECT_FALSE(lock->TryLock());
+    lock->Unlock();
+}
+
+TEST_F(PosixLockTest, NotifyWithoutWaitersSucceeds)
+{
+    _Result result = ResultFail;
+    lock->Lock();
+    lock->NotifyOne(result);
+    EXPECT_EQ(result, ResultPass);
+    result = ResultFail;
+    lock->NotifyAll(result);
+    EXPECT_EQ(result, ResultPass);
+    lock->Unlock();
+    EXPECT_EQ(converter->NativeResults(), (std::vector<int>{0, 0}));
+}
+
+TEST_F(PosixLockTest, TimedWaitThatTimesOutReportsFailureNoEarlierThanItsDeadline)
+{
+    struct timespec deadline = calculator->SetDeadlineFromNow(50);
+    _Result result = ResultPass;
+    lock->Lock();
+    lock->Wait(50, result);
+    struct timespec returned = KivTest::RealTimeNow();
+    lock->Unlock();
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(KivTest::NotAfter(deadline, returned));
+    EXPECT_EQ(calculator->Requests(), std::vector<std::uint32_t>{50});
+    EXPECT_EQ(converter->NativeResults(), std::vector<int>{ETIMEDOUT});
+}
+
+TEST_F(PosixLockTest, TimedWaitComputesItsDeadlineAtEachCall)
+{
+    _Result result = ResultPass;
+    lock->Lock();
+    lock->Wait(0, result);
+    lock->Wait(1999, result);
+    lock->Unlock();
+    EXPECT_EQ(calculator->Requests(), (std::vector<std::uint32_t>{0, 1999}));
+}
+
+TEST_F(PosixLockTest, WaitOfAlmostForeverIsStillATimedWait)
+{
+    // The fake's deadline is in 1970: the wait asks for it and times out.
+    _Result result = ResultPass;
+    lock->Lock();
+    lock->Wait(0xFFFFFFFEu, result);
+    lock->Unlock();
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(calculator->Requests(), std::vector<std::uint32_t>{0xFFFFFFFEu});
+}
+
+TEST_F(PosixLockTest, WaitForeverComputesNoDeadlineAndWakesOnANotification)
+{
+    // The fake's deadline is in 1970, so a timed wait would return at once;
+    // the wait can only end through the notification below.
+    bool ready = false;
+    _Result result = ResultFail;
+    lock->Lock();
+    std::thread notifier([&] {
+        lock->Lock();
+        ready = true;
+        _Result notifyResult = ResultFail;
+        lock->NotifyOne(notifyResult);
+        lock->Unlock();
+    });
+    while (!ready) {
+        lock->Wait(0xFFFFFFFFu, result);
+        EXPECT_EQ(result, ResultPass);
+    }
+    lock->Unlock();
+    notifier.join();
+    EXPECT_TRUE(ready);
+    EXPECT_TRUE(calculator->Requests().empty());
+}
+
+TEST_F(PosixLockTest, WaitWithoutTimeoutWakesOnNotifyAll)
+{
+    bool ready = false;
+    lock->Lock();
+    std::thread notifier([&] {
+        lock->Lock();
+        ready = true;
+        _Result notifyResult = ResultFail;
+        lock->NotifyAll(notifyResult);
+        lock->Unlock();
+    });
+    _Result result = ResultFail;
+    while (!ready)
+        lock->Wait(result);
+    lock->Unlock();
+    notifier.join();
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_TRUE(calculator->Requests().empty());
+}
+
+TEST_F(PosixLockTest, WaitReleasesTheLockWhileWaiting)
+{
+    // The notifier can only take the lock because the waiter released it.
+    calculator->SetDeadlineFromNow(60000);
+    bool ready = false;
+    lock->Lock();
+    std::thread notifier([&] {
+        lock->Lock();
+        ready = true;
+        _Result notifyResult = ResultFail;
+        lock->NotifyOne(notifyResult);
+        lock->Unlock();
+    });
+    _Result result = ResultFail;
+    while (!ready)
+        lock->Wait(60000, result);
+    EXPECT_FALSE(TryLockFromAnotherThread(*lock));
+    lock->Unlock();
+    notifier.join();
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST_F(PosixLockTest, ProducersAndConsumersLoseNoItemWithNotifyOne)
+{
+    EXPECT_EQ(RunProducersAndConsumers(*lock, false), AllItems());
+}
+
+TEST_F(PosixLockTest, ProducersAndConsumersLoseNoItemWithNotifyAll)
+{
+    EXPECT_EQ(RunProducersAndConsumers(*lock, true), AllItems());
+}
+
+TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+    SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
+    _Result result = ResultPass;
+    EXPECT_FATAL_SILENT(lock->NotifyOne(result));
+    EXPECT_FATAL_SILENT(lock->NotifyAll(result));
+}
+
+TEST(PosixLockFatalTest, WaitWithoutAConverterIsFatal)
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+    SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
+    _Result result = ResultPass;
+    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(result));
+    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(10, result));
+}
+
+TEST(PosixLockFatalTest, TimedWaitWithoutACalculatorIsFatal)
+{
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    SmartPtr<ILock> lock(new PosixLock(nullptr, converter.Get()));
+    _Result result = ResultPass;
+    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(10, result));
+}
+
+TEST(PosixLockFatalTest, LockingWithoutHelpersNeedsNone)
+{
+    SmartPtr<ILock> lock(new PosixLock(nullptr, nullptr));
+    lock->Lock();
+    lock->Unlock();
+    EXPECT_TRUE(lock->TryLock());
+    lock->Unlock();
+}

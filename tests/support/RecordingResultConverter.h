@@ -1,0 +1,38 @@
+// RecordingResultConverter.h - a result converter for tests that converts
+// like the POSIX one (0 passes, anything else fails) and records every
+// native code it was given.
+//
+// Thread-safe; share it between the objects of one test to see what they
+// handed in:
+//
+//   SmartPtr<RecordingResultConverter> converter(new RecordingResultConverter);
+//   lock->Wait(10, result);
+//   EXPECT_EQ(converter->NativeResults().back(), ETIMEDOUT);
+#ifndef KIV_TESTS_RECORDINGRESULTCONVERTER_H
+#define KIV_TESTS_RECORDINGRESULTCONVERTER_H
+
+#include "IResultConverter.h"
+#include "Object.h"
+
+#include <mutex>
+#include <vector>
+
+namespace KivTest {
+
+class RecordingResultConverter : public KivPlr::Object, public KivPlr::IResultConverter
+{
+public:
+    /// Records \p nativeResult; ResultPass for 0, ResultFail otherwise.
+    void Convert(int nativeResult, KivPlr::_Result& result) override;
+
+    /// Every native code converted so far, in order.
+    std::vector<int> NativeResults();
+
+private:
+    std::mutex mutex;
+    std::vector<int> nativeResults;
+};
+
+} // namespace KivTest
+
+#endif
