@@ -1,0 +1,33 @@
+// IThreadObserver.h - hears when a thread's body starts and ends.
+//
+// Handed to a thread when it is made (the platform gives every thread a
+// PassiveThreadObserver); the thread keeps a reference on it. Both calls are
+// made on the new thread itself, so an observer shared by several threads
+// must be thread-safe.
+//
+//   class CountingObserver : private Object, public IThreadObserver {
+//       void BodyStarting(IThread&) override { ++running; }
+//       void BodyFinished(IThread&) override { --running; }
+//   };
+#ifndef KIVPLR_ITHREADOBSERVER_H
+#define KIVPLR_ITHREADOBSERVER_H
+
+#include "IObject.h"
+
+namespace KivPlr {
+
+class IThread;
+
+class IThreadObserver : public virtual IObject
+{
+public:
+    /// Called once on the new thread, right before its body runs.
+    virtual void BodyStarting(IThread& thread) = 0;
+    /// Called once on the new thread, right after its body returned or while
+    /// a cancellation unwinds it. Must not throw.
+    virtual void BodyFinished(IThread& thread) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,26 @@
+// PassiveThreadObserver.h - the thread observer that does nothing.
+//
+// The platform factory gives one, newly made, to every thread it creates.
+// Stateless: any thread may call it.
+//
+//   SmartPtr<IThreadObserver> observer(new PassiveThreadObserver);
+#ifndef KIVPLR_PASSIVETHREADOBSERVER_H
+#define KIVPLR_PASSIVETHREADOBSERVER_H
+
+#include "IThreadObserver.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class PassiveThreadObserver : private Object, public IThreadObserver
+{
+public:
+    /// Does nothing.
+    void BodyStarting(IThread& thread) override;
+    /// Does nothing.
+    void BodyFinished(IThread& thread) override;
+};
+
+} // namespace KivPlr
+
+#endif

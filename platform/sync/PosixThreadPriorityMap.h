@@ -1,0 +1,40 @@
+// PosixThreadPriorityMap.h - a priority converter backed by a table of exact
+// platform-to-POSIX priority pairs.
+//
+// The platform factory makes and fills one for every thread it creates
+// (LinuxPlatform::FillPriorityLadder); the thread then owns it through
+// SmartPtr. Fill it before handing it over: Add is not synchronised, Convert
+// may be called from any thread once the table no longer changes.
+//
+//   SmartPtr<PosixThreadPriorityMap> map(new PosixThreadPriorityMap);
+//   map->Add(15, 0);
+//   map->Convert(15, posixPriority, result);   // posixPriority == 0
+#ifndef KIVPLR_POSIXTHREADPRIORITYMAP_H
+#define KIVPLR_POSIXTHREADPRIORITYMAP_H
+
+#include "IPosixThreadPriorityConverter.h"
+#include "Object.h"
+
+#include <map>
+
+namespace KivPlr {
+
+class PosixThreadPriorityMap : protected Object, public IPosixThreadPriorityConverter
+{
+public:
+    /// Maps \p platformPriority to \p posixPriority; adding a platform
+    /// priority again replaces its mapping.
+    virtual void Add(std::int32_t platformPriority, std::int32_t posixPriority);
+
+    /// Exact matches only, no nearest neighbour. Fatal messages:
+    /// "PosixThreadPriorityMap: int& nPosixPriority NULL reference" and
+    /// "PosixThreadPriorityMap: Result& result NULL reference".
+    void Convert(std::int32_t platformPriority, int& nPosixPriority, _Result& result) override;
+
+private:
+    std::map<std::int32_t, std::int32_t> priorities;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,66 @@
+// ThreadBase.h - the portable half of a thread: name, priority, the started
+// flag, the guarded operations and the observer's two notifications.
+//
+// It is never made by itself, only as the base of the system's own thread
+// (PosixThread), which fills in the protected operations. The flag and the
+// stored values are not synchronised: drive a thread object from one
+// controlling thread.
+//
+//   class PosixThread : public ThreadBase { void StartImpl(...) override; ... };
+#ifndef KIVPLR_THREADBASE_H
+#define KIVPLR_THREADBASE_H
+
+#include "IThread.h"
+#include "IThreadObserver.h"
+#include "Object.h"
+#include "SmartPtr.h"
+
+namespace KivPlr {
+
+class ThreadBase : protected Object, public IThread
+{
+public:
+    /// Keeps a reference on \p observer. A null observer is fatal:
+    /// "ThreadBase: IThreadObserver* NULL reference".
+    explicit ThreadBase(IThreadObserver* observer);
+
+    /// Sets the started flag to Succeeded of the implementation's result and
+    /// returns it. A thread that is still started reports
+    /// ResultAlreadyStarted and returns false without starting another.
+    bool Start(ThreadBody body, void* argument, _Result& result) override;
+    void SetName(const std::wstring* name, _Result& result) override;
+    void GetName(std::wstring* name, _Result& result) override;
+    void SetPriority(std::int32_t priority, _Result& result) override;
+    void GetPriority(std::int32_t* priority, _Result& result) override;
+    /// True at once when not started; otherwise the join's success, which
+    /// also clears the started flag.
+    bool Join() override;
+    void Yield(_Result& result) override;
+    void Cancel(_Result& result) override;
+
+    /// The observer, without touching its count; for diagnostics and tests.
+    IThreadObserver* GetObserver() const;
+
+protected:
+    virtual void StartImpl(ThreadBody body, void* argument, _Result& result) = 0;
+    virtual void JoinImpl(_Result& result) = 0;
+    virtual void YieldImpl(_Result& result) = 0;
+    virtual void CancelImpl(_Result& result) = 0;
+
+    /// Runs on the new thread: one BodyStarting, one call of \p body with
+    /// \p argument, one BodyFinished (also when a cancellation unwinds the
+    /// body).
+    void RunBody(ThreadBody body, void* argument);
+    /// True from a successful Start until a successful Join.
+    bool IsStarted() const;
+
+private:
+    SmartPtr<IThreadObserver> observer;
+    std::wstring name;
+    std::int32_t priority;
+    bool started;
+};
+
+} // namespace KivPlr
+
+#endif
