@@ -1,0 +1,30 @@
+// IManualResetEvent.h - an event that stays set until it is reset.
+//
+// Made directly by its users over a monitor lock from the platform
+// (new ManualResetEvent(platform->CreateLock())) and owned through SmartPtr;
+// any thread may set, reset, wait or ask. While set, waits return at once.
+//
+//   SmartPtr<IManualResetEvent> ready(new ManualResetEvent(platform->CreateLock()));
+//   ready->Set();                               // one thread
+//   while (!ready->IsSet()) ready->Wait(100);   // another: re-check after waking
+#ifndef KIVPLR_IMANUALRESETEVENT_H
+#define KIVPLR_IMANUALRESETEVENT_H
+
+#include "IWaitEvent.h"
+
+namespace KivPlr {
+
+class IManualResetEvent : public virtual IWaitEvent
+{
+public:
+    /// The flag, read without the lock; only a snapshot.
+    virtual bool IsSet() = 0;
+    /// Clears the flag: later waits block again.
+    virtual void Reset() = 0;
+    /// Wakes every waiter and marks the event set.
+    virtual void Set() = 0;
+};
+
+} // namespace KivPlr
+
+#endif

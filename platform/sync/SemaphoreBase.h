@@ -1,0 +1,38 @@
+// SemaphoreBase.h - the portable half of a counting semaphore.
+//
+// SemaphoreBase implements ISemaphore by handing every operation to the
+// protected operation of the same position, which the system's own semaphore
+// (PosixSemaphore) fills in; it only decides between the waits with and
+// without a time-out. Never made by itself; as thread-safe as its derived
+// semaphore.
+//
+//   class PosixSemaphore : public SemaphoreBase { int PostImpl() override; ... };
+#ifndef KIVPLR_SEMAPHOREBASE_H
+#define KIVPLR_SEMAPHOREBASE_H
+
+#include "ISemaphore.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class SemaphoreBase : protected Object, public ISemaphore
+{
+public:
+    int Post() override;
+    int GetValue() override;
+    bool TryWait() override;
+    void Wait(_Result& result) override;
+    /// WaitForever goes to WaitImpl, every other value to TimedWaitImpl.
+    void Wait(std::uint32_t milliseconds, _Result& result) override;
+
+protected:
+    virtual int PostImpl() = 0;
+    virtual int GetValueImpl() = 0;
+    virtual bool TryWaitImpl() = 0;
+    virtual void WaitImpl(_Result& result) = 0;
+    virtual void TimedWaitImpl(std::uint32_t milliseconds, _Result& result) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,44 @@
+// WaitEvent.h - a wait event carried by a monitor lock (ILock).
+//
+// Made with new by its user over a lock from the platform; it keeps a
+// reference on the lock, which guards its state and does the waiting, so the
+// event needs no condition variable of its own. Owned through SmartPtr; any
+// thread may use it. ManualResetEvent builds on it.
+//
+//   SmartPtr<IWaitEvent> event(new WaitEvent(platform->CreateLock()));
+//   event->Signal();
+#ifndef KIVPLR_WAITEVENT_H
+#define KIVPLR_WAITEVENT_H
+
+#include "ILock.h"
+#include "IWaitEvent.h"
+#include "Object.h"
+#include "SmartPtr.h"
+
+namespace KivPlr {
+
+class WaitEvent : protected Object, public virtual IWaitEvent
+{
+public:
+    /// Keeps a reference on \p monitor. A missing monitor is fatal when the
+    /// event is used ("SmartPtr<T>-> NULL reference").
+    explicit WaitEvent(ILock* monitor);
+
+    /// One wait on the monitor, under its lock.
+    bool Wait() override;
+    /// One timed wait on the monitor, under its lock.
+    bool Wait(std::uint32_t milliseconds) override;
+    /// NotifyAll on the monitor, under its lock.
+    void Signal() override;
+
+protected:
+    /// The monitor that guards the event's state.
+    const SmartPtr<ILock>& GetMonitor() const;
+
+private:
+    SmartPtr<ILock> monitor;
+};
+
+} // namespace KivPlr
+
+#endif
