@@ -1,0 +1,112 @@
+#include "LinuxPlatform.h"
+
+#include "PassiveThreadObserver.h"
+#include "Posix.h"
+#include "PosixCurrentTimespec.h"
+#include "PosixResultPassFail.h"
+#include "PosixThreadPriorityMap.h"
+#include "PosixTimespecOffsetCalculator.h"
+
+#include <ctime>
+
+namespace KivPlr {
+
+namespace {
+
+// Deadlines of locks and semaphores are wall-clock times: that is the clock
+// pthread_cond_timedwait (default attributes) and sem_timedwait measure.
+SmartPtr<IPosixTimespecOffsetCalculator> NewRealTimeDeadlineCalculator()
+{
+    SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_REALTIME));
+    return SmartPtr<IPosixTimespecOffsetCalculator>(new PosixTimespecOffsetCalculator(provider));
+}
+
+} // namespace
+
+LinuxPlatform::LinuxPlatform() : posix(new Posix) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+ILock* LinuxPlatform::CreateLock()
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(NewRealTimeDeadlineCalculator());
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    return posix->CreateLock(calculator.Get(), converter.Get());
+}
+
+ISharedLock* LinuxPlatform::CreateSharedLock()
+{
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    return posix->CreateSharedLock(converter.Get());
+}
+
+ISemaphore* LinuxPlatform::CreateSemaphore()
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(NewRealTimeDeadlineCalculator());
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    return posix->CreateSemaphore(calculator.Get(), converter.Get());
+}
+
+IThread* LinuxPlatform::CreateThread()
+{
+    SmartPtr<IThreadObserver> observer(new PassiveThreadObserver);
+    PosixThreadPriorityMap* map = new PosixThreadPriorityMap;
+    SmartPtr<IPosixThreadPriorityConverter> priorities(map);
+    FillPriorityLadder(*map);
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    return posix->CreateThread(observer.Get(), priorities.Get(), converter.Get(), 0);
+}
+
+IClock* LinuxPlatform::CreateClock()
+{
+    return nullptr;  // ClockGetTimeClock is wired here when the time area delivers it.
+}
+
+ISystemClock* LinuxPlatform::CreateSystemClock()
+{
+    return nullptr;  // LinuxSystemClock is wired here when the time area delivers it.
+}
+
+IFileManager* LinuxPlatform::CreateFileManager()
+{
+    return nullptr;  // FileManager is wired here by the files area.
+}
+
+IDirectoryManager* LinuxPlatform::CreateDirectoryManager()
+{
+    return nullptr;  // DirectoryManager is wired here by the files area.
+}
+
+IUser* LinuxPlatform::CreateUser()
+{
+    return nullptr;  // User is wired here by the accounts area.
+}
+
+IUserGroup* LinuxPlatform::CreateUserGroup()
+{
+    return nullptr;  // UserGroup is wired here by the accounts area.
+}
+
+ILogManager* LinuxPlatform::CreateLogManager()
+{
+    return nullptr;  // LogManager is wired here by the files area.
+}
+
+void LinuxPlatform::FillPriorityLadder(PosixThreadPriorityMap& map)
+{
+    // The order and the values are the platform's fixed ladder.
+    map.Add(15, 0);
+    map.Add(12, 0);
+    map.Add(10, 0);
+    map.Add(8, 0);
+    map.Add(6, 0);
+    map.Add(4, 0);
+    map.Add(1, 0);
+}
+
+IPosix* LinuxPlatform::GetPosix() const
+{
+    return posix.Get();
+}
+
+} // namespace KivPlr

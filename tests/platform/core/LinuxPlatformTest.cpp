@@ -1,0 +1,294 @@
+#include "FakeTimespecOffsetCalculator.h"
+#include "ISemaphore.h"
+#include "ISharedLock.h"
+#include "IThread.h"
+#include "LinuxPlatform.h"
+#include "PosixLock.h"
+#include "PosixSemaphore.h"
+#include "PosixSharedLock.h"
+#include "PosixThread.h"
+#include "PosixThreadPriorityMap.h"
+#include "ScopedLock.h"
+#include "SmartPtr.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <utility>
+#include <vector>
+
+using namespace KivPlr;
+
+namespace {
+
+class LinuxPlatformTest : public ::testing::Test
+{
+protected:
+    SmartPtr<IPlatform> platform{new LinuxPlatform};
+};
+
+// A priority map that records its Add calls in order.
+class RecordingPriorityMap : public PosixThreadPriorityMap
+{
+public:
+    std::vector<std::pair<std::int32_t, std::int32_t>> added;
+
+    void Add(std::int32_t platformPriority, std::int32_t posixPriority) override
+    {
+        added.emplace_back(platformPriority, posixPriority);
+        PosixThreadPriorityMap::Add(platformPriority, posixPriority);
+    }
+};
+
+template <typename Concrete, typename Interface>
+Concrete* As(const SmartPtr<Interface>& object)
+{
+    Concrete* concrete = dynamic_cast<Concrete*>(object.Get());
+    EXPECT_NE(concrete, nullptr);
+    return concrete;
+}
+
+void CountsUpInAThread(void* argument)
+{
+    static_cast<std::atomic<int>*>(argument)->fetch_add(1);
+}
+
+} // namespace
+
+TEST_F(LinuxPlatformTest, CreateLockReturnsANewPosixLockWithCountZero)
+{
+    ILock* first = platform->CreateLock();
+    ILock* second = platform->CreateLock();
+    EXPECT_EQ(first->GetReferenceCount(), 0u);
+    EXPECT_EQ(second->GetReferenceCount(), 0u);
+    EXPECT_NE(first, second);
+    SmartPtr<ILock> firstOwner(first);
+    SmartPtr<ILock> secondOwner(second);
+    EXPECT_NE(dynamic_cast<PosixLock*>(first), nullptr);
+}
+
+TEST_F(LinuxPlatformTest, CreateSharedLockReturnsANewPosixSharedLockWithCountZero)
+{
+    ISharedLock* first = platform->CreateSharedLock();
+    ISharedLock* second = platform->CreateSharedLock();
+    EXPECT_EQ(first->GetReferenceCount(), 0u);
+    EXPECT_EQ(second->GetReferenceCount(), 0u);
+    EXPECT_NE(first, second);
+    SmartPtr<ISharedLock> firstOwner(first);
+    SmartPtr<ISharedLock> secondOwner(second);
+    EXPECT_NE(dynamic_cast<PosixSharedLock*>(first), nullptr);
+}
+
+TEST_F(LinuxPlatformTest, CreateSemaphoreReturnsANewPosixSemaphoreWithCountZero)
+{
+    ISemaphore* first = platform->CreateSemaphore();
+    ISemaphore* second = platform->CreateSemaphore();
+    EXPECT_EQ(first->GetReferenceCount(), 0u);
+    EXPECT_EQ(second->GetReferenceCount(), 0u);
+    EXPECT_NE(first, second);
+    SmartPtr<ISemaphore> firstOwner(first);
+    SmartPtr<ISemaphore> secondOwner(second);
+    EXPECT_NE(dynamic_cast<PosixSemaphore*>(first), nullptr);
+    EXPECT_EQ(first->GetValue(), 0);
+}
+
+TEST_F(LinuxPlatformTest, CreateThreadReturnsANewPosixThreadWithCountZero)
+{
+    IThread* first = platform->CreateThread();
+    IThread* second = platform->CreateThread();
+    EXPECT_EQ(first->GetReferenceCount(), 0u);
+    EXPECT_EQ(second->GetReferenceCount(), 0u);
+    EXPECT_NE(first, second);
+    SmartPtr<IThread> firstOwner(first);
+    SmartPtr<IThread> secondOwner(second);
+    PosixThread* posixThread = dynamic_cast<PosixThread*>(first);
+    ASSERT_NE(posixThread, nullptr);
+    EXPECT_EQ(posixThread->GetStackSize(), 0u);
+}
+
+TEST_F(LinuxPlatformTest, TwoLocksShareNoHelperAndEachOwnsItsHelpersAlone)
+{
+    SmartPtr<ILock> first(platform->CreateLock());
+    SmartPtr<ILock> second(platform->CreateLock());
+    PosixLock* a = As<PosixLock>(first);
+    PosixLock* b = As<PosixLock>(second);
+    ASSERT_TRUE(a != nullptr && b != nullptr);
+    EXPECT_NE(a->GetTimeoutCalculator(), b->GetTimeoutCalculator());
+    EXPECT_NE(a->GetResultConverter(), b->GetResultConverter());
+    EXPECT_EQ(a->GetTimeoutCalculator()->GetReferenceCount(), 1u);
+    EXPECT_EQ(a->GetResultConverter()->GetReferenceCount(), 1u);
+}
+
+TEST_F(LinuxPlatformTest, TwoSharedLocksShareNoConverter)
+{
+    SmartPtr<ISharedLock> first(platform->CreateSharedLock());
+    SmartPtr<ISharedLock> second(platform->CreateSharedLock());
+    PosixSharedLock* a = As<PosixSharedLock>(first);
+    PosixSharedLock* b = As<PosixSharedLock>(second);
+    ASSERT_TRUE(a != nullptr && b != nullptr);
+    EXPECT_NE(a->GetResultConverter(), b->GetResultConverter());
+    EXPECT_EQ(a->GetResultConverter()->GetReferenceCount(), 1u);
+}
+
+TEST_F(LinuxPlatformTest, TwoSemaphoresShareNoHelper)
+{
+    SmartPtr<ISemaphore> first(platform->CreateSemaphore());
+    SmartPtr<ISemaphore> second(platform->CreateSemaphore());
+    PosixSemaphore* a = As<PosixSemaphore>(first);
+    PosixSemaphore* b = As<PosixSemaphore>(second);
+    ASSERT_TRUE(a != nullptr && b != nullptr);
+    EXPECT_NE(a->GetTimeoutCalculator(), b->GetTimeoutCalculator());
+    EXPECT_NE(a->GetResultConverter(), b->GetResultConverter());
+    EXPECT_EQ(a->GetTimeoutCalculator()->GetReferenceCount(), 1u);
+    EXPECT_EQ(a->GetResultConverter()->GetReferenceCount(), 1u);
+}
+
+TEST_F(LinuxPlatformTest, TwoThreadsShareNoHelper)
+{
+    SmartPtr<IThread> first(platform->CreateThread());
+    SmartPtr<IThread> second(platform->CreateThread());
+    PosixThread* a = As<PosixThread>(first);
+    PosixThread* b = As<PosixThread>(second);
+    ASSERT_TRUE(a != nullptr && b != nullptr);
+    EXPECT_NE(a->GetObserver(), b->GetObserver());
+    EXPECT_NE(a->GetPriorityConverter(), b->GetPriorityConverter());
+    EXPECT_NE(a->GetResultConverter(), b->GetResultConverter());
+    EXPECT_EQ(a->GetObserver()->GetReferenceCount(), 1u);
+    EXPECT_EQ(a->GetPriorityConverter()->GetReferenceCount(), 1u);
+    EXPECT_EQ(a->GetResultConverter()->GetReferenceCount(), 1u);
+}
+
+TEST(LinuxPlatformLadderTest, FillsTheLadderInItsFixedOrderAllMappedToZero)
+{
+    SmartPtr<RecordingPriorityMap> map(new RecordingPriorityMap);
+    LinuxPlatform::FillPriorityLadder(*map);
+    EXPECT_EQ(map->added, (std::vector<std::pair<std::int32_t, std::int32_t>>{
+                              {15, 0}, {12, 0}, {10, 0}, {8, 0}, {6, 0}, {4, 0}, {1, 0}}));
+}
+
+TEST_F(LinuxPlatformTest, ThreadsGetTheLadderAndNothingElse)
+{
+    SmartPtr<IThread> thread(platform->CreateThread());
+    PosixThread* posixThread = As<PosixThread>(thread);
+    ASSERT_NE(posixThread, nullptr);
+    IPosixThreadPriorityConverter* priorities = posixThread->GetPriorityConverter();
+    for (std::int32_t level : {15, 12, 10, 8, 6, 4, 1}) {
+        int posixPriority = 99;
+        _Result result = ResultFail;
+        priorities->Convert(level, posixPriority, result);
+        EXPECT_EQ(result, ResultPass) << level;
+        EXPECT_EQ(posixPriority, 0) << level;
+    }
+    for (std::int32_t level : {0, 2, 3, 5, 7, 9, 11, 13, 14, 16, -1}) {
+        int posixPriority = 99;
+        _Result result = ResultPass;
+        priorities->Convert(level, posixPriority, result);
+        EXPECT_EQ(result, ResultFail) << level;
+        EXPECT_EQ(posixPriority, 99) << level;
+    }
+}
+
+TEST_F(LinuxPlatformTest, AFactoryThreadRunsAndJoins)
+{
+    std::atomic<int> runs{0};
+    SmartPtr<IThread> thread(platform->CreateThread());
+    _Result result = ResultFail;
+    thread->SetPriority(10, result);
+    EXPECT_TRUE(thread->Start(&CountsUpInAThread, &runs, result));
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_TRUE(thread->Join());
+    EXPECT_EQ(runs.load(), 1);
+}
+
+TEST_F(LinuxPlatformTest, AFactoryLockTimesOutNoEarlierThanItsWallClockDeadline)
+{
+    SmartPtr<ILock> lock(platform->CreateLock());
+    struct timespec earliest = KivTest::RealTimeNow();
+    earliest.tv_nsec += 30 * 1000000L;
+    if (earliest.tv_nsec >= 1000000000L) {
+        earliest.tv_nsec -= 1000000000L;
+        earliest.tv_sec += 1;
+    }
+    _Result result = ResultPass;
+    {
+        ScopedLock hold(lock);
+        lock->Wait(30, result);
+    }
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(KivTest::NotAfter(earliest, KivTest::RealTimeNow()));
+}
+
+TEST_F(LinuxPlatformTest, AFactorySemaphoreWaitOfZeroFailsAtOnce)
+{
+    SmartPtr<ISemaphore> semaphore(platform->CreateSemaphore());
+    _Result result = ResultPass;
+    semaphore->Wait(0, result);
+    EXPECT_EQ(result, ResultFail);
+    semaphore->Post();
+    semaphore->Wait(0, result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST_F(LinuxPlatformTest, AtomicCountersStayExactAcrossFourThreads)
+{
+    std::int32_t value = 0;
+    constexpr int steps = 100000;
+    std::vector<std::thread> threads;
+    for (int index = 0; index < 4; ++index)
+        threads.emplace_back([&, index] {
+            for (int step = 0; step < steps; ++step) {
+                if (index < 3)
+                    platform->AtomicIncrement(value);
+                else
+                    platform->AtomicDecrement(value);
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(value, 2 * steps);
+}
+
+TEST_F(LinuxPlatformTest, AtomicIncrementOnZeroGivesOneAndDecrementGivesMinusOne)
+{
+    std::int32_t value = 0;
+    EXPECT_EQ(platform->AtomicIncrement(value), 1);
+    EXPECT_EQ(value, 1);
+    value = 0;
+    EXPECT_EQ(platform->AtomicDecrement(value), -1);
+    EXPECT_EQ(value, -1);
+}
+
+TEST_F(LinuxPlatformTest, ThePosixCountersArePlainOnes)
+{
+    IPosix* posix = As<LinuxPlatform>(platform)->GetPosix();
+    ASSERT_NE(posix, nullptr);
+    std::int32_t value = 0;
+    EXPECT_EQ(posix->Increment(value), 1);
+    EXPECT_EQ(posix->Decrement(value), 0);
+    EXPECT_EQ(posix->Decrement(value), -1);
+}
+
+TEST(LinuxPlatformLifetimeTest, OwnsItsPosixObjectAloneAndReleasesItWhenDestroyed)
+{
+    LinuxPlatform* made = new LinuxPlatform;
+    EXPECT_EQ(static_cast<IPlatform*>(made)->GetReferenceCount(), 0u);
+    SmartPtr<IPlatform> platform(made);
+    EXPECT_EQ(made->GetPosix()->GetReferenceCount(), 1u);
+    SmartPtr<IPosix> posix(made->GetPosix());
+    platform.Reset();
+    EXPECT_EQ(posix->GetReferenceCount(), 1u);
+}
+
+TEST(LinuxPlatformLifetimeTest, InstalledInstanceKeepsCountOne)
+{
+    IPlatform* made = new LinuxPlatform;
+    Platform::SetInstance(made);
+    EXPECT_EQ(Platform::GetInstance(), made);
+    EXPECT_EQ(made->GetReferenceCount(), 1u);
+    SmartPtr<ILock> lock(Platform::GetInstance()->CreateLock());
+    EXPECT_TRUE(lock);
+    EXPECT_EQ(made->GetReferenceCount(), 1u);
+    Platform::ClearInstance();
+    EXPECT_EQ(Platform::GetInstance(), nullptr);
+}
