@@ -27,9 +27,7 @@ void PosixSharedLock::ReadLockImpl()
 
 bool PosixSharedLock::TryReadLockImpl()
 {
-    _Result result = ResultFail;
-    resultConverter->Convert(pthread_rwlock_tryrdlock(&lock), result);
-    return Succeeded(result);
+    return Answer(pthread_rwlock_tryrdlock(&lock));
 }
 
 void PosixSharedLock::WriteLockImpl()
@@ -39,14 +37,19 @@ void PosixSharedLock::WriteLockImpl()
 
 bool PosixSharedLock::TryWriteLockImpl()
 {
-    _Result result = ResultFail;
-    resultConverter->Convert(pthread_rwlock_trywrlock(&lock), result);
-    return Succeeded(result);
+    return Answer(pthread_rwlock_trywrlock(&lock));
 }
 
 void PosixSharedLock::UnlockImpl()
 {
     pthread_rwlock_unlock(&lock);
+}
+
+bool PosixSharedLock::Answer(int nativeResult)
+{
+    _Result result = ResultFail;
+    resultConverter->Convert(nativeResult, result);
+    return Succeeded(result);
 }
 
 } // namespace KivPlr

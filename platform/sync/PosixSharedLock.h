@@ -40,6 +40,9 @@ protected:
     void UnlockImpl() override;
 
 private:
+    /// Succeeded of the converted \p nativeResult.
+    bool Answer(int nativeResult);
+
     pthread_rwlock_t lock;
     SmartPtr<IResultConverter> resultConverter;
 };

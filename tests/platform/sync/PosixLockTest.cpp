@@ -9,6 +9,7 @@
 
 #include <cerrno>
 #include <deque>
+#include <functional>
 #include <set>
 #include <thread>
 #include <vector>
@@ -39,6 +40,27 @@ bool TryLockFromAnotherThread(ILock& lock)
     return acquired;
 }
 
+// Takes the lock, applies \p change, wakes one or all waiters, unlocks.
+void ChangeAndNotify(ILock& lock, bool notifyAll, const std::function<void()>& change)
+{
+    lock.Lock();
+    change();
+    _Result result = ResultFail;
+    if (notifyAll)
+        lock.NotifyAll(result);
+    else
+        lock.NotifyOne(result);
+    EXPECT_EQ(result, ResultPass);
+    lock.Unlock();
+}
+
+// A thread that sets \p ready under the lock and notifies.
+std::thread StartNotifier(ILock& lock, bool& ready, bool notifyAll)
+{
+    return std::thread(
+        [&lock, &ready, notifyAll] { ChangeAndNotify(lock, notifyAll, [&] { ready = true; }); });
+}
+
 // Two producers hand out disjoint item numbers through a queue guarded by the
 // monitor; two consumers take them until each receives a stop item (-1). The
 // producers wake consumers with NotifyOne or NotifyAll.
@@ -48,15 +70,7 @@ std::multiset<int> RunProducersAndConsumers(ILock& lock, bool notifyAll)
     std::deque<int> queue;
     std::multiset<int> taken;
     auto push = [&](int item) {
-        lock.Lock();
-        queue.push_back(item);
-        _Result result = ResultFail;
-        if (notifyAll)
-            lock.NotifyAll(result);
-        else
-            lock.NotifyOne(result);
-        EXPECT_EQ(result, ResultPass);
-        lock.Unlock();
+        ChangeAndNotify(lock, notifyAll, [&] { queue.push_back(item); });
     };
     auto consume = [&] {
         for (;;) {
@@ -193,39 +207,26 @@ TEST_F(PosixLockTest, WaitOfAlmostForeverIsStillATimedWait)
 TEST_F(PosixLockTest, WaitForeverComputesNoDeadlineAndWakesOnANotification)
 {
     // The fake's deadline is in 1970, so a timed wait would return at once;
-    // the wait can only end through the notification below.
+    // the wait can only end through the notification.
     bool ready = false;
     _Result result = ResultFail;
     lock->Lock();
-    std::thread notifier([&] {
-        lock->Lock();
-        ready = true;
-        _Result notifyResult = ResultFail;
-        lock->NotifyOne(notifyResult);
-        lock->Unlock();
-    });
+    std::thread notifier = StartNotifier(*lock, ready, false);
     while (!ready) {
         lock->Wait(0xFFFFFFFFu, result);
         EXPECT_EQ(result, ResultPass);
     }
     lock->Unlock();
     notifier.join();
-    EXPECT_TRUE(ready);
     EXPECT_TRUE(calculator->Requests().empty());
 }
 
 TEST_F(PosixLockTest, WaitWithoutTimeoutWakesOnNotifyAll)
 {
     bool ready = false;
-    lock->Lock();
-    std::thread notifier([&] {
-        lock->Lock();
-        ready = true;
-        _Result notifyResult = ResultFail;
-        lock->NotifyAll(notifyResult);
-        lock->Unlock();
-    });
     _Result result = ResultFail;
+    lock->Lock();
+    std::thread notifier = StartNotifier(*lock, ready, true);
     while (!ready)
         lock->Wait(result);
     lock->Unlock();
@@ -234,20 +235,14 @@ TEST_F(PosixLockTest, WaitWithoutTimeoutWakesOnNotifyAll)
     EXPECT_TRUE(calculator->Requests().empty());
 }
 
-TEST_F(PosixLockTest, WaitReleasesTheLockWhileWaiting)
+TEST_F(PosixLockTest, WaitReleasesTheLockWhileWaitingAndHoldsItAfter)
 {
     // The notifier can only take the lock because the waiter released it.
     calculator->SetDeadlineFromNow(60000);
     bool ready = false;
-    lock->Lock();
-    std::thread notifier([&] {
-        lock->Lock();
-        ready = true;
-        _Result notifyResult = ResultFail;
-        lock->NotifyOne(notifyResult);
-        lock->Unlock();
-    });
     _Result result = ResultFail;
+    lock->Lock();
+    std::thread notifier = StartNotifier(*lock, ready, false);
     while (!ready)
         lock->Wait(60000, result);
     EXPECT_FALSE(TryLockFromAnotherThread(*lock));
