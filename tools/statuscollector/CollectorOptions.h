@@ -1,0 +1,48 @@
+// CollectorOptions.h - the command line of the status collector:
+//
+//   statuscollector [-nolog] [-output FILE]
+//
+// "-nolog" silences the collector's own diagnostics; "-output FILE" writes
+// the snapshot to FILE instead of /dev/shm/status.xml. Made by main() from
+// argv; a plain value used by one thread.
+//
+//   CollectorOptions options;
+//   if (!options.Parse(argc, argv)) { ...options.Problem()...; return CollectorOptions::UsageExitStatus; }
+#ifndef KIV_TOOLS_COLLECTOROPTIONS_H
+#define KIV_TOOLS_COLLECTOROPTIONS_H
+
+#include <string>
+
+namespace KivCollector {
+
+class CollectorOptions
+{
+public:
+    /// Where the daemon reads the snapshot.
+    static constexpr const char* DefaultOutputFile = "/dev/shm/status.xml";
+    /// Exit status for a command line that does not parse.
+    static constexpr int UsageExitStatus = 2;
+    /// One line describing the command line, without a line feed.
+    static constexpr const char* Usage = "usage: statuscollector [-nolog] [-output FILE]";
+
+    /// Reads the arguments after argv[0]. Each option may be given more than
+    /// once (the last "-output" wins). False for an unknown argument, an
+    /// "-output" without a file or with an empty one; Problem() then says
+    /// which. "-nolog" counts even when a later argument is wrong, so that a
+    /// silenced caller stays silent.
+    bool Parse(int argc, const char* const* argv);
+
+    bool Quiet() const { return quiet; }
+    const std::string& OutputFile() const { return outputFile; }
+    /// What was wrong with the command line; empty after a good parse.
+    const std::string& Problem() const { return problem; }
+
+private:
+    bool quiet = false;
+    std::string outputFile = DefaultOutputFile;
+    std::string problem;
+};
+
+} // namespace KivCollector
+
+#endif

@@ -1,0 +1,80 @@
+#include "StatusCollector.h"
+
+#include "AtomicFileWriter.h"
+#include "DefaultGatewayTable.h"
+#include "DrmOutputScanner.h"
+#include "ModelCodeSetting.h"
+#include "NetworkDeviceScanner.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace KivCollector {
+
+namespace {
+
+const mode_t kSnapshotMode = 0644;
+
+} // namespace
+
+StatusCollector::StatusCollector()
+    : StatusCollector(DefaultGatewayTable::KernelRouteFile, DrmOutputScanner::KernelDrmDirectory)
+{
+}
+
+StatusCollector::StatusCollector(std::string routeFilePath, std::string drmDirectoryPath)
+    : routeFile(std::move(routeFilePath)), drmDirectory(std::move(drmDirectoryPath))
+{
+}
+
+bool StatusCollector::Collect(CollectedStatus& status, std::vector<std::string>& warnings,
+                              std::string& fault) const
+{
+    CollectedStatus collected;
+    std::string warning;
+    collected.modelCode = ModelCodeSetting::Read(warning);
+    if (!warning.empty())
+        warnings.push_back(warning);
+
+    DefaultGatewayTable gateways;
+    if (!gateways.Load(routeFile, fault))
+        return false;
+    if (!NetworkDeviceScanner().Scan(gateways, collected.networkDevices, fault))
+        return false;
+    if (!DrmOutputScanner(drmDirectory).Scan(collected.outputs, fault))
+        return false;
+    status = std::move(collected);
+    return true;
+}
+
+bool StatusCollector::Publish(const std::string& text, const std::string& file, std::string& fault)
+{
+    std::string::size_type slash = file.rfind('/');
+    std::string directory = slash == std::string::npos ? "." : slash == 0 ? "/" : file.substr(0, slash);
+    std::string name = slash == std::string::npos ? file : file.substr(slash + 1);
+    if (name.empty() || name == "." || name == "..") {
+        fault = file + ": not a file name";
+        return false;
+    }
+    int previousDirectory = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (previousDirectory < 0) {
+        fault = std::string("cannot open the working directory: ") + std::strerror(errno);
+        return false;
+    }
+    bool written = false;
+    if (::chdir(directory.c_str()) != 0)
+        fault = file + ": cannot enter " + directory + ": " + std::strerror(errno);
+    else
+        written = KivClosed::AtomicFileWriter::Replace(name, text, kSnapshotMode, fault);
+    if (::fchdir(previousDirectory) != 0 && written) {
+        fault = std::string("cannot return to the working directory: ") + std::strerror(errno);
+        written = false;
+    }
+    ::close(previousDirectory);
+    return written;
+}
+
+} // namespace KivCollector

@@ -1,0 +1,48 @@
+// The reference status collector: writes the status snapshot of the machine
+// it runs on (see docs/operations.md). Exit status 0 when the snapshot was
+// written, 1 when it could not be collected or written (the previous one then
+// stays), 2 for a command line it does not understand.
+
+#include "CollectorOptions.h"
+#include "StatusCollector.h"
+#include "StatusDocument.h"
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+using namespace KivCollector;
+
+namespace {
+
+void Say(const CollectorOptions& options, const std::string& line)
+{
+    if (!options.Quiet())
+        std::fprintf(stderr, "statuscollector: %s\n", line.c_str());
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    CollectorOptions options;
+    if (!options.Parse(argc, argv)) {
+        Say(options, options.Problem());
+        Say(options, CollectorOptions::Usage);
+        return CollectorOptions::UsageExitStatus;
+    }
+    CollectedStatus status;
+    std::vector<std::string> warnings;
+    std::string fault;
+    bool collected = StatusCollector().Collect(status, warnings, fault);
+    for (const std::string& warning : warnings)
+        Say(options, warning);
+    if (!collected || !StatusCollector::Publish(StatusDocument::Render(status), options.OutputFile(), fault)) {
+        Say(options, fault + "; the previous snapshot stays");
+        return 1;
+    }
+    Say(options, "wrote " + options.OutputFile() + ": " + std::to_string(status.networkDevices.size()) +
+                     " network devices, " + std::to_string(status.outputs.size()) + " outputs, model code " +
+                     std::to_string(status.modelCode));
+    return 0;
+}
