@@ -1,0 +1,27 @@
+#include "ShellCommand.h"
+
+#include <unistd.h>
+
+namespace KivTest {
+
+ChildOutcome RunShellCommand(const std::string& commandLine)
+{
+    return RunInChild([&commandLine] {
+        execl("/bin/sh", "sh", "-c", commandLine.c_str(), static_cast<char*>(nullptr));
+        _exit(127);
+    });
+}
+
+std::string ShellQuote(const std::string& text)
+{
+    std::string quoted = "'";
+    for (char character : text) {
+        if (character == '\'')
+            quoted += "'\\''";
+        else
+            quoted += character;
+    }
+    return quoted + "'";
+}
+
+} // namespace KivTest

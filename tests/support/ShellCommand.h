@@ -1,0 +1,28 @@
+// ShellCommand.h - runs one command line through /bin/sh in a forked child
+// and reports its exit status and everything it printed.
+//
+// For tests that start programs (ours through EmulatorPrefix(), or tools
+// such as ip and python3). Use from the test's own thread.
+//
+//   ChildOutcome outcome = RunShellCommand(EmulatorPrefix() + program + " -nolog");
+//   EXPECT_EQ(outcome.exitStatus, 0) << Describe(outcome);
+#ifndef KIV_TESTS_SHELLCOMMAND_H
+#define KIV_TESTS_SHELLCOMMAND_H
+
+#include "ChildProcess.h"
+
+#include <string>
+
+namespace KivTest {
+
+/// Runs \p commandLine with "/bin/sh -c" and waits for it. A shell that
+/// cannot be started gives exit status 127.
+ChildOutcome RunShellCommand(const std::string& commandLine);
+
+/// \p text in single quotes for a shell command line, any quotes in it
+/// escaped.
+std::string ShellQuote(const std::string& text);
+
+} // namespace KivTest
+
+#endif

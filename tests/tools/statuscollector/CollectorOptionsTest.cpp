@@ -1,0 +1,84 @@
+#include "CollectorOptions.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+using KivCollector::CollectorOptions;
+
+namespace {
+
+bool Parse(CollectorOptions& options, std::vector<const char*> arguments)
+{
+    arguments.insert(arguments.begin(), "statuscollector");
+    return options.Parse(static_cast<int>(arguments.size()), arguments.data());
+}
+
+} // namespace
+
+TEST(CollectorOptionsTest, NoArgumentsWriteTheDaemonsSnapshotWithDiagnostics)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {}));
+    EXPECT_FALSE(options.Quiet());
+    EXPECT_EQ(options.OutputFile(), "/dev/shm/status.xml");
+    EXPECT_EQ(options.Problem(), "");
+}
+
+TEST(CollectorOptionsTest, NologSilencesDiagnostics)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"-nolog"}));
+    EXPECT_TRUE(options.Quiet());
+    EXPECT_EQ(options.OutputFile(), "/dev/shm/status.xml");
+}
+
+TEST(CollectorOptionsTest, OutputNamesAnotherFileInEitherOrder)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"-output", "/tmp/a.xml", "-nolog"}));
+    EXPECT_TRUE(options.Quiet());
+    EXPECT_EQ(options.OutputFile(), "/tmp/a.xml");
+    EXPECT_TRUE(Parse(options, {"-nolog", "-output", "b.xml"}));
+    EXPECT_EQ(options.OutputFile(), "b.xml");
+}
+
+TEST(CollectorOptionsTest, TheLastOutputWins)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"-output", "a.xml", "-output", "b.xml"}));
+    EXPECT_EQ(options.OutputFile(), "b.xml");
+}
+
+TEST(CollectorOptionsTest, OutputWithoutAFileIsAProblem)
+{
+    CollectorOptions options;
+    EXPECT_FALSE(Parse(options, {"-output"}));
+    EXPECT_EQ(options.Problem(), "-output needs a file name");
+    EXPECT_FALSE(Parse(options, {"-output", ""}));
+    EXPECT_EQ(options.Problem(), "-output needs a file name");
+}
+
+TEST(CollectorOptionsTest, AnUnknownArgumentIsAProblem)
+{
+    CollectorOptions options;
+    EXPECT_FALSE(Parse(options, {"-verbose"}));
+    EXPECT_EQ(options.Problem(), "unknown argument \"-verbose\"");
+    EXPECT_FALSE(Parse(options, {"status.xml"}));
+    EXPECT_EQ(options.Problem(), "unknown argument \"status.xml\"");
+}
+
+TEST(CollectorOptionsTest, NologCountsEvenAfterAProblem)
+{
+    CollectorOptions options;
+    EXPECT_FALSE(Parse(options, {"-bad", "-nolog"}));
+    EXPECT_TRUE(options.Quiet());
+}
+
+TEST(CollectorOptionsTest, ParseStartsAfresh)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"-nolog", "-output", "a.xml"}));
+    EXPECT_TRUE(Parse(options, {}));
+    EXPECT_FALSE(options.Quiet());
+    EXPECT_EQ(options.OutputFile(), "/dev/shm/status.xml");
+}
