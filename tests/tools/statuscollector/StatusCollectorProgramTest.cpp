@@ -2,6 +2,7 @@
 // diagnostics, the snapshot it writes and where.
 
 #include "CStatus.h"
+#include "DirectoryListing.h"
 #include "Emulation.h"
 #include "ExpectedNetwork.h"
 #include "MountNamespace.h"
@@ -9,7 +10,6 @@
 #include "TemporaryDirectory.h"
 
 #include <cstdlib>
-#include <dirent.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -79,21 +79,6 @@ std::vector<std::string> OutputLines(const VpSts::CStatus& status)
                         std::to_string(output->translationColumns));
     }
     return lines;
-}
-
-std::vector<std::string> Entries(const std::string& directory)
-{
-    std::vector<std::string> names;
-    if (DIR* listing = opendir(directory.c_str())) {
-        while (const struct dirent* entry = readdir(listing)) {
-            std::string name = entry->d_name;
-            if (name != "." && name != "..")
-                names.push_back(name);
-        }
-        closedir(listing);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
 }
 
 /// Covers the graphics directory with an empty tmpfs and makes the
@@ -193,7 +178,7 @@ TEST(StatusCollectorProgramTest, AnUnknownArgumentPrintsTheUsageAndWritesNothing
     EXPECT_EQ(outcome.standardOutput, "");
     EXPECT_EQ(outcome.standardError, "statuscollector: unknown argument \"-verbose\"\n"
                                      "statuscollector: usage: statuscollector [-nolog] [-output FILE]\n");
-    EXPECT_TRUE(Entries(directory.Path()).empty());
+    EXPECT_TRUE(KivTest::ListDirectory(directory.Path()).empty());
 }
 
 TEST(StatusCollectorProgramTest, ABadCommandLineWithNologFailsSilently)
@@ -216,7 +201,7 @@ TEST(StatusCollectorProgramTest, ASnapshotThatCannotBeWrittenFailsWithStatus1)
     ChildOutcome quiet = KivTest::RunShellCommand(Collector("-nolog -output " + ShellQuote(file)));
     EXPECT_EQ(quiet.exitStatus, 1) << Describe(quiet);
     EXPECT_EQ(quiet.standardError, "");
-    EXPECT_TRUE(Entries(directory.Path()).empty());
+    EXPECT_TRUE(KivTest::ListDirectory(directory.Path()).empty());
 }
 
 TEST(StatusCollectorProgramTest, ReplacesAnEarlierSnapshotWholeAndLeavesNoTemporaryFile)
@@ -230,7 +215,7 @@ TEST(StatusCollectorProgramTest, ReplacesAnEarlierSnapshotWholeAndLeavesNoTempor
     EXPECT_EQ(KivTest::ReadFile(directory.Path() + "/earlier"), "earlier");
     VpSts::CStatus status;
     Load(file, status);
-    EXPECT_EQ(Entries(directory.Path()), (std::vector<std::string>{"earlier", "status.xml"}));
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), (std::vector<std::string>{"earlier", "status.xml"}));
 }
 
 TEST(StatusCollectorProgramTest, WritesTheDaemonsSnapshotFileByDefault)

@@ -1,6 +1,7 @@
 #include "StatusCollector.h"
 
 #include "ChildProcess.h"
+#include "DirectoryListing.h"
 #include "DrmOutputScanner.h"
 #include "ModelCodeSetting.h"
 #include "MountNamespace.h"
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -26,21 +26,6 @@ using KivTest::TemporaryDirectory;
 using KivTest::WriteFile;
 
 namespace {
-
-std::vector<std::string> Entries(const std::string& directory)
-{
-    std::vector<std::string> names;
-    if (DIR* listing = opendir(directory.c_str())) {
-        while (const struct dirent* entry = readdir(listing)) {
-            std::string name = entry->d_name;
-            if (name != "." && name != "..")
-                names.push_back(name);
-        }
-        closedir(listing);
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 std::string WorkingDirectory()
 {
@@ -76,7 +61,7 @@ TEST(StatusCollectorPublishTest, LeavesNoTemporaryFileBehind)
     std::string fault;
     EXPECT_TRUE(StatusCollector::Publish("one", directory.Path() + "/status.xml", fault)) << fault;
     EXPECT_TRUE(StatusCollector::Publish("two", directory.Path() + "/status.xml", fault)) << fault;
-    EXPECT_EQ(Entries(directory.Path()), std::vector<std::string>{"status.xml"});
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), std::vector<std::string>{"status.xml"});
 }
 
 TEST(StatusCollectorPublishTest, CreatesTheFileWithMode0644WhateverTheUmask)
@@ -100,7 +85,7 @@ TEST(StatusCollectorPublishTest, AMissingDirectoryFailsAndWritesNothing)
     std::string fault;
     EXPECT_FALSE(StatusCollector::Publish("text", file, fault));
     EXPECT_EQ(fault, file + ": cannot enter " + directory.Path() + "/missing: No such file or directory");
-    EXPECT_TRUE(Entries(directory.Path()).empty());
+    EXPECT_TRUE(KivTest::ListDirectory(directory.Path()).empty());
 }
 
 TEST(StatusCollectorPublishTest, APathWithoutAFileNameFails)
@@ -111,7 +96,7 @@ TEST(StatusCollectorPublishTest, APathWithoutAFileNameFails)
     EXPECT_EQ(fault, directory.Path() + "/: not a file name");
     EXPECT_FALSE(StatusCollector::Publish("text", directory.Path() + "/..", fault));
     EXPECT_FALSE(StatusCollector::Publish("text", "", fault));
-    EXPECT_TRUE(Entries(directory.Path()).empty());
+    EXPECT_TRUE(KivTest::ListDirectory(directory.Path()).empty());
 }
 
 TEST(StatusCollectorPublishTest, KeepsTheWorkingDirectoryAndResolvesRelativePathsAgainstIt)
@@ -152,7 +137,7 @@ TEST(StatusCollectorPublishTest, OnAFullDiskThePreviousSnapshotStaysWholeAndNoTe
         WriteFile(file, "previous snapshot");
         std::string large(1024 * 1024, 'x');
         bool published = StatusCollector::Publish(large, file, fault);
-        std::vector<std::string> entries = Entries(full);
+        std::vector<std::string> entries = KivTest::ListDirectory(full);
         std::printf("published=%d content=%s entries=%zu fault=%s", published ? 1 : 0, ReadFile(file).c_str(),
                     entries.size(), fault.c_str());
     });

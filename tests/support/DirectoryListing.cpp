@@ -1,0 +1,23 @@
+#include "DirectoryListing.h"
+
+#include <algorithm>
+#include <dirent.h>
+
+namespace KivTest {
+
+std::vector<std::string> ListDirectory(const std::string& directory)
+{
+    std::vector<std::string> names;
+    if (DIR* listing = opendir(directory.c_str())) {
+        while (const struct dirent* entry = readdir(listing)) {
+            std::string name = entry->d_name;
+            if (name != "." && name != "..")
+                names.push_back(name);
+        }
+        closedir(listing);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace KivTest
