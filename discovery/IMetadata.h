@@ -1,0 +1,41 @@
+// IMetadata.h - one provider of a fragment of the management description's
+// metadata text.
+//
+// Each provider rebuilds its small XML fragment from the process-wide records
+// on Refresh and remembers whether the text changed since its flag was last
+// cleared. Providers are created by DiscoverableServices, owned through
+// SmartPtr by the MetadataGroup they belong to, and used only by the thread
+// that runs DiscoverableServices::Update.
+//
+//   SmartPtr<IMetadata> name(new MetadataComputerName);
+//   name->Refresh();
+//   if (name->IsChanged()) { name->GetXml(text); name->ClearChanged(); }
+#ifndef KIVCONFIG_IMETADATA_H
+#define KIVCONFIG_IMETADATA_H
+
+#include "IObject.h"
+
+#include <string>
+
+namespace KivConfig {
+
+class IMetadata : public virtual KivPlr::IObject
+{
+public:
+    /// Rebuilds the fragment from the current records. A text that differs
+    /// from the cached one (in length or in any byte) replaces it and sets the
+    /// changed flag; an identical text changes nothing, in particular it never
+    /// clears a flag that is still set.
+    virtual void Refresh() = 0;
+    /// The changed flag: set by a Refresh that saw a new text, cleared only by
+    /// ClearChanged. False before the first Refresh.
+    virtual bool IsChanged() const = 0;
+    /// Clears the changed flag; the cached text stays.
+    virtual void ClearChanged() = 0;
+    /// Copies the cached fragment into \p out (empty before the first Refresh).
+    virtual void GetXml(std::string& out) const = 0;
+};
+
+} // namespace KivConfig
+
+#endif

@@ -1,0 +1,26 @@
+// MetadataComputerName.h - publishes the unit's computer name as <ComputerName>value</ComputerName>.
+//
+// The third provider of the "cpp:Config" group; created by DiscoverableServices
+// over the daemon's configuration record and owned through SmartPtr. One
+// thread at a time.
+//
+//   SmartPtr<IMetadata> provider(new MetadataComputerName(gConfig));
+//   provider->Refresh();
+//   provider->GetXml(text);   // "<ComputerName>...</ComputerName>"
+#ifndef KIVCONFIG_METADATACOMPUTERNAME_H
+#define KIVCONFIG_METADATACOMPUTERNAME_H
+
+#include "MetadataConfigText.h"
+
+namespace KivConfig {
+
+class MetadataComputerName : public MetadataConfigText
+{
+public:
+    /// Reads `computerName` of \p config, which must outlive the provider.
+    explicit MetadataComputerName(const VpCfg::CConfig& config);
+};
+
+} // namespace KivConfig
+
+#endif

@@ -1,0 +1,23 @@
+#include "MetadataConfigText.h"
+
+#include <sstream>
+
+namespace KivConfig {
+
+MetadataConfigText::MetadataConfigText(const VpCfg::CConfig& config,
+                                       const char* const VpCfg::CConfig::*field,
+                                       const char* element)
+    : config(config), field(field), element(element)
+{
+}
+
+void MetadataConfigText::Refresh()
+{
+    std::ostringstream fragment;
+    fragment << "<" << element << ">";
+    WriteValue(fragment, config.*field);
+    fragment << "</" << element << ">";
+    AcceptFragment(fragment.str());
+}
+
+} // namespace KivConfig

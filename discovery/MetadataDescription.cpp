@@ -1,0 +1,10 @@
+#include "MetadataDescription.h"
+
+namespace KivConfig {
+
+MetadataDescription::MetadataDescription(const VpCfg::CConfig& config)
+    : MetadataConfigText(config, &VpCfg::CConfig::descriptionText, "Description")
+{
+}
+
+} // namespace KivConfig

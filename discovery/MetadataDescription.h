@@ -1,0 +1,26 @@
+// MetadataDescription.h - publishes the unit's free description text as <Description>value</Description>.
+//
+// The first provider of the "cpp:Config" group; created by DiscoverableServices
+// over the daemon's configuration record and owned through SmartPtr. One
+// thread at a time.
+//
+//   SmartPtr<IMetadata> provider(new MetadataDescription(gConfig));
+//   provider->Refresh();
+//   provider->GetXml(text);   // "<Description>...</Description>"
+#ifndef KIVCONFIG_METADATADESCRIPTION_H
+#define KIVCONFIG_METADATADESCRIPTION_H
+
+#include "MetadataConfigText.h"
+
+namespace KivConfig {
+
+class MetadataDescription : public MetadataConfigText
+{
+public:
+    /// Reads `descriptionText` of \p config, which must outlive the provider.
+    explicit MetadataDescription(const VpCfg::CConfig& config);
+};
+
+} // namespace KivConfig
+
+#endif

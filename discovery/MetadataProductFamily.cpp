@@ -1,0 +1,36 @@
+#include "MetadataProductFamily.h"
+
+#include <sstream>
+
+namespace KivConfig {
+
+namespace {
+
+// Indexed by model code. There is no separate "unknown" row: every code past
+// the table shares the text of code 1.
+const char* const ModelTexts[] = {"TRX-7160", "TRX-7060", "TRX-6060",
+                                  "TRX-7250", "TRX-7150", "TRX-7050"};
+const std::uint32_t ModelCount = sizeof ModelTexts / sizeof ModelTexts[0];
+const std::uint32_t UnknownModelCode = 1;
+
+} // namespace
+
+MetadataProductFamily::MetadataProductFamily(const VpSts::CStatus& status) : status(status)
+{
+}
+
+const char* MetadataProductFamily::ModelText(std::uint32_t modelCode)
+{
+    return ModelTexts[modelCode < ModelCount ? modelCode : UnknownModelCode];
+}
+
+void MetadataProductFamily::Refresh()
+{
+    const std::string model = ModelText(status.modelCode);
+    std::ostringstream fragment;
+    if (!model.empty())
+        fragment << "<ProductFamily>" << model << "</ProductFamily>";
+    AcceptFragment(fragment.str());
+}
+
+} // namespace KivConfig

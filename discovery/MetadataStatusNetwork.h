@@ -1,0 +1,38 @@
+// MetadataStatusNetwork.h - publishes the unit's network interfaces as one
+// <Network> element with a <NetworkDevice> per interface.
+//
+// The second provider of the "cpp:State" group; created by
+// DiscoverableServices over the daemon's status record and owned through
+// SmartPtr. One thread at a time.
+//
+//   SmartPtr<IMetadata> provider(new MetadataStatusNetwork(gStatus));
+//   provider->Refresh();
+//   provider->GetXml(text);   // <Network><NetworkDevice number=\"1\"><Name>eth0</Name>...
+#ifndef KIVCONFIG_METADATASTATUSNETWORK_H
+#define KIVCONFIG_METADATASTATUSNETWORK_H
+
+#include "CStatus.h"
+#include "MetadataBase.h"
+
+namespace KivConfig {
+
+class MetadataStatusNetwork : public MetadataBase
+{
+public:
+    /// Reads `networkDeviceList` of \p status, which must outlive the provider.
+    explicit MetadataStatusNetwork(const VpSts::CStatus& status);
+
+    /// Writes "<Network>", one element per device up to the first missing
+    /// list entry, then "</Network>". The number attribute's quotes carry a
+    /// backslash each. Values are not escaped. A missing (null) device text
+    /// ends the fragment just before it: nothing further is added, not even
+    /// the closing tags.
+    void Refresh() override;
+
+private:
+    const VpSts::CStatus& status;
+};
+
+} // namespace KivConfig
+
+#endif

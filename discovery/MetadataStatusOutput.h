@@ -1,0 +1,37 @@
+// MetadataStatusOutput.h - publishes the unit's published video outputs as
+// one <Outputs> element with an <Output> and its translation table size each.
+//
+// The third provider of the "cpp:State" group; created by
+// DiscoverableServices over the daemon's status record and owned through
+// SmartPtr. One thread at a time.
+//
+//   SmartPtr<IMetadata> provider(new MetadataStatusOutput(gStatus));
+//   provider->Refresh();
+//   provider->GetXml(text);   // <Outputs><Output number=\"1\" i:type=\"Cablor6Type\">...
+#ifndef KIVCONFIG_METADATASTATUSOUTPUT_H
+#define KIVCONFIG_METADATASTATUSOUTPUT_H
+
+#include "CStatus.h"
+#include "MetadataBase.h"
+
+namespace KivConfig {
+
+class MetadataStatusOutput : public MetadataBase
+{
+public:
+    /// Reads `outputList` of \p status, which must outlive the provider.
+    explicit MetadataStatusOutput(const VpSts::CStatus& status);
+
+    /// Writes "<Outputs>", one element per output of kind 0 up to the first
+    /// missing list entry (outputs of other kinds leave no trace; numbers are
+    /// the outputs' own), then "</Outputs>". Attribute quotes carry a
+    /// backslash each.
+    void Refresh() override;
+
+private:
+    const VpSts::CStatus& status;
+};
+
+} // namespace KivConfig
+
+#endif

@@ -1,0 +1,10 @@
+#include "MetadataTimezone.h"
+
+namespace KivConfig {
+
+MetadataTimezone::MetadataTimezone(const VpCfg::CConfig& config)
+    : MetadataConfigText(config, &VpCfg::CConfig::timeZoneName, "TimeZone")
+{
+}
+
+} // namespace KivConfig

@@ -1,0 +1,26 @@
+// MetadataTimezone.h - publishes the unit's time-zone name as <TimeZone>value</TimeZone>.
+//
+// The second provider of the "cpp:Config" group; created by DiscoverableServices
+// over the daemon's configuration record and owned through SmartPtr. One
+// thread at a time.
+//
+//   SmartPtr<IMetadata> provider(new MetadataTimezone(gConfig));
+//   provider->Refresh();
+//   provider->GetXml(text);   // "<TimeZone>...</TimeZone>"
+#ifndef KIVCONFIG_METADATATIMEZONE_H
+#define KIVCONFIG_METADATATIMEZONE_H
+
+#include "MetadataConfigText.h"
+
+namespace KivConfig {
+
+class MetadataTimezone : public MetadataConfigText
+{
+public:
+    /// Reads `timeZoneName` of \p config, which must outlive the provider.
+    explicit MetadataTimezone(const VpCfg::CConfig& config);
+};
+
+} // namespace KivConfig
+
+#endif

@@ -1,0 +1,89 @@
+#include "CConfig.h"
+#include "MetadataComputerName.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace KivConfig;
+using KivPlr::SmartPtr;
+
+namespace {
+
+std::string XmlOf(const SmartPtr<IMetadata>& provider)
+{
+    std::string xml;
+    provider->GetXml(xml);
+    return xml;
+}
+
+} // namespace
+
+TEST(MetadataComputerNameTest, NameIsWrittenBetweenComputerNameTags)
+{
+    VpCfg::CConfig config;
+    config.computerName = "unit-1";
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    provider->Refresh();
+    EXPECT_EQ(XmlOf(provider), "<ComputerName>unit-1</ComputerName>");
+}
+
+TEST(MetadataComputerNameTest, DefaultRecordGivesTrxDefault)
+{
+    VpCfg::CConfig config;
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    provider->Refresh();
+    EXPECT_EQ(XmlOf(provider), "<ComputerName>trxDefault</ComputerName>");
+}
+
+TEST(MetadataComputerNameTest, BeforeTheFirstRefreshNothingIsCachedOrChanged)
+{
+    VpCfg::CConfig config;
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    EXPECT_FALSE(provider->IsChanged());
+    std::string xml = "left over";
+    provider->GetXml(xml);
+    EXPECT_EQ(xml, "");
+}
+
+TEST(MetadataComputerNameTest, SameValueTwiceSetsTheFlagOnceAndClearedFlagStaysClear)
+{
+    VpCfg::CConfig config;
+    config.computerName = "unit-1";
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    provider->Refresh();
+    EXPECT_TRUE(provider->IsChanged());
+    provider->Refresh();
+    EXPECT_TRUE(provider->IsChanged()) << "an unchanged text must not clear a set flag";
+    provider->ClearChanged();
+    EXPECT_FALSE(provider->IsChanged());
+    provider->Refresh();
+    EXPECT_FALSE(provider->IsChanged());
+    EXPECT_EQ(XmlOf(provider), "<ComputerName>unit-1</ComputerName>");
+}
+
+TEST(MetadataComputerNameTest, ValueChangedBackAndForthSetsTheFlagEachCycle)
+{
+    VpCfg::CConfig config;
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    const char* values[] = {"unit-1", "unit-2", "unit-1", "unit-2"};
+    for (const char* value : values) {
+        config.computerName = value;
+        provider->Refresh();
+        EXPECT_TRUE(provider->IsChanged()) << value;
+        EXPECT_EQ(XmlOf(provider), std::string("<ComputerName>") + value + "</ComputerName>");
+        provider->ClearChanged();
+    }
+}
+
+TEST(MetadataComputerNameTest, TextOfSameLengthButOtherBytesIsAChange)
+{
+    VpCfg::CConfig config;
+    config.computerName = "unit-1";
+    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
+    provider->Refresh();
+    provider->ClearChanged();
+    config.computerName = "unit-9";
+    provider->Refresh();
+    EXPECT_TRUE(provider->IsChanged());
+}

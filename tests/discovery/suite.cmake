@@ -1,0 +1,1 @@
+kiv_add_test_suite(kivdiscovery_tests discovery LIBRARIES kivdiscovery)
