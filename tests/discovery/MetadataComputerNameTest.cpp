@@ -1,5 +1,6 @@
 #include "CConfig.h"
 #include "MetadataComputerName.h"
+#include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "CStatus.h"
 #include "MetadataProductFamily.h"
+#include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "CStatus.h"
 #include "MetadataStatusNetwork.h"
+#include "SmartPtr.h"
 #include "StatusRecordFilling.h"
 
 #include <gtest/gtest.h>

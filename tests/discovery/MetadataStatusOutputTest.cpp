@@ -1,5 +1,6 @@
 #include "CStatus.h"
 #include "MetadataStatusOutput.h"
+#include "SmartPtr.h"
 #include "StatusRecordFilling.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #include "CConfig.h"
 #include "MetadataTimezone.h"
+#include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 
