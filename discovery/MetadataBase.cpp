@@ -29,8 +29,9 @@ void MetadataBase::AcceptFragment(const std::string& fragment)
     }
 }
 
-void MetadataBase::WriteValue(std::ostream& out, const char* value)
+void MetadataBase::WriteElement(std::ostream& out, const char* element, const char* value)
 {
+    out << "<" << element << ">";
     // A missing value ends the fragment where it stands (the stream fails, as
     // inserting a null character pointer would make it); discovery clients
     // of the family expect exactly that truncated text.
@@ -38,6 +39,7 @@ void MetadataBase::WriteValue(std::ostream& out, const char* value)
         out.setstate(std::ios_base::badbit);
     else
         out << value;
+    out << "</" << element << ">";
 }
 
 } // namespace KivConfig

@@ -8,7 +8,7 @@
 //   void MetadataComputerName::Refresh()
 //   {
 //       std::ostringstream fragment;
-//       fragment << "<ComputerName>" << name << "</ComputerName>";
+//       WriteElement(fragment, "ComputerName", config.computerName);
 //       AcceptFragment(fragment.str());
 //   }
 #ifndef KIVCONFIG_METADATABASE_H
@@ -37,10 +37,12 @@ protected:
     /// replaces it and sets the changed flag; an equal one changes nothing.
     void AcceptFragment(const std::string& fragment);
 
-    /// Writes the zero-terminated \p value into \p out. A null \p value puts
-    /// \p out into its failed state instead, so that nothing more is added to
-    /// it: the fragment then ends just before the missing value.
-    static void WriteValue(std::ostream& out, const char* value);
+    /// Writes "<element>", the zero-terminated \p value and "</element>" into
+    /// \p out, the value as it is (no escaping). A null \p value puts \p out
+    /// into its failed state right after the opening tag, so that nothing
+    /// more is added to it: the fragment then ends just before the missing
+    /// value.
+    static void WriteElement(std::ostream& out, const char* element, const char* value);
 
 private:
     bool changed;

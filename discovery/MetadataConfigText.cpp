@@ -14,9 +14,7 @@ MetadataConfigText::MetadataConfigText(const VpCfg::CConfig& config,
 void MetadataConfigText::Refresh()
 {
     std::ostringstream fragment;
-    fragment << "<" << element << ">";
-    WriteValue(fragment, config.*field);
-    fragment << "</" << element << ">";
+    WriteElement(fragment, element, config.*field);
     AcceptFragment(fragment.str());
 }
 

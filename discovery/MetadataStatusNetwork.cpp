@@ -20,19 +20,16 @@ void MetadataStatusNetwork::Refresh()
         // the family parse exactly this form.
         fragment << R"(<NetworkDevice number=\")"
                  << static_cast<unsigned long>(device->deviceNumber) << R"(\">)";
-        fragment << "<Name>";
-        WriteValue(fragment, device->name);
-        fragment << "</Name><MAC>";
-        WriteValue(fragment, device->macAddress);
-        fragment << "</MAC><IPv4>";
-        WriteValue(fragment, device->ipv4Address);
-        fragment << "</IPv4><IPv6>";
-        WriteValue(fragment, device->ipv6Address);
-        fragment << "</IPv6><Gateway>";
-        WriteValue(fragment, device->gateway);
-        fragment << "</Gateway><Subnet>";
-        WriteValue(fragment, device->subnet);
-        fragment << "</Subnet></NetworkDevice>";
+        // Element name and value, in the order the clients read them.
+        const char* const texts[][2] = {{"Name", device->name},
+                                        {"MAC", device->macAddress},
+                                        {"IPv4", device->ipv4Address},
+                                        {"IPv6", device->ipv6Address},
+                                        {"Gateway", device->gateway},
+                                        {"Subnet", device->subnet}};
+        for (const auto& text : texts)
+            WriteElement(fragment, text[0], text[1]);
+        fragment << "</NetworkDevice>";
     }
     fragment << "</Network>";
     AcceptFragment(fragment.str());

@@ -1,5 +1,6 @@
 #include "CConfig.h"
 #include "MetadataComputerName.h"
+#include "MetadataTesting.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
@@ -9,32 +10,19 @@
 using namespace KivConfig;
 using KivPlr::SmartPtr;
 
-namespace {
-
-std::string XmlOf(const SmartPtr<IMetadata>& provider)
-{
-    std::string xml;
-    provider->GetXml(xml);
-    return xml;
-}
-
-} // namespace
-
 TEST(MetadataComputerNameTest, NameIsWrittenBetweenComputerNameTags)
 {
     VpCfg::CConfig config;
     config.computerName = "unit-1";
-    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
-    provider->Refresh();
-    EXPECT_EQ(XmlOf(provider), "<ComputerName>unit-1</ComputerName>");
+    EXPECT_EQ(KivTest::RefreshedXml(new MetadataComputerName(config)),
+              "<ComputerName>unit-1</ComputerName>");
 }
 
 TEST(MetadataComputerNameTest, DefaultRecordGivesTrxDefault)
 {
     VpCfg::CConfig config;
-    SmartPtr<IMetadata> provider(new MetadataComputerName(config));
-    provider->Refresh();
-    EXPECT_EQ(XmlOf(provider), "<ComputerName>trxDefault</ComputerName>");
+    EXPECT_EQ(KivTest::RefreshedXml(new MetadataComputerName(config)),
+              "<ComputerName>trxDefault</ComputerName>");
 }
 
 TEST(MetadataComputerNameTest, BeforeTheFirstRefreshNothingIsCachedOrChanged)
@@ -58,9 +46,8 @@ TEST(MetadataComputerNameTest, SameValueTwiceSetsTheFlagOnceAndClearedFlagStaysC
     EXPECT_TRUE(provider->IsChanged()) << "an unchanged text must not clear a set flag";
     provider->ClearChanged();
     EXPECT_FALSE(provider->IsChanged());
-    provider->Refresh();
+    EXPECT_EQ(KivTest::RefreshedXml(provider), "<ComputerName>unit-1</ComputerName>");
     EXPECT_FALSE(provider->IsChanged());
-    EXPECT_EQ(XmlOf(provider), "<ComputerName>unit-1</ComputerName>");
 }
 
 TEST(MetadataComputerNameTest, ValueChangedBackAndForthSetsTheFlagEachCycle)
@@ -70,9 +57,9 @@ TEST(MetadataComputerNameTest, ValueChangedBackAndForthSetsTheFlagEachCycle)
     const char* values[] = {"unit-1", "unit-2", "unit-1", "unit-2"};
     for (const char* value : values) {
         config.computerName = value;
-        provider->Refresh();
+        EXPECT_EQ(KivTest::RefreshedXml(provider),
+                  std::string("<ComputerName>") + value + "</ComputerName>");
         EXPECT_TRUE(provider->IsChanged()) << value;
-        EXPECT_EQ(XmlOf(provider), std::string("<ComputerName>") + value + "</ComputerName>");
         provider->ClearChanged();
     }
 }

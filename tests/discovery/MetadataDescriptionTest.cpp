@@ -1,5 +1,6 @@
 #include "CConfig.h"
 #include "MetadataDescription.h"
+#include "MetadataTesting.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
@@ -15,11 +16,7 @@ std::string RefreshedXml(const char* description)
 {
     VpCfg::CConfig config;
     config.descriptionText = description;
-    SmartPtr<IMetadata> provider(new MetadataDescription(config));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    return xml;
+    return KivTest::RefreshedXml(new MetadataDescription(config));
 }
 
 } // namespace
@@ -41,11 +38,8 @@ TEST(MetadataDescriptionTest, EmptyValueGivesBothTagsAndReportsAChangeOnFirstRef
     VpCfg::CConfig config;
     config.descriptionText = "";
     SmartPtr<IMetadata> provider(new MetadataDescription(config));
-    provider->Refresh();
+    EXPECT_EQ(KivTest::RefreshedXml(provider), "<Description></Description>");
     EXPECT_TRUE(provider->IsChanged());
-    std::string xml;
-    provider->GetXml(xml);
-    EXPECT_EQ(xml, "<Description></Description>");
 }
 
 TEST(MetadataDescriptionTest, MissingValueEndsTheFragmentAfterTheOpeningTag)

@@ -1,5 +1,6 @@
 #include "CStatus.h"
 #include "MetadataProductFamily.h"
+#include "MetadataTesting.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
@@ -16,11 +17,7 @@ std::string FragmentFor(std::uint32_t modelCode)
 {
     VpSts::CStatus status;
     status.modelCode = modelCode;
-    SmartPtr<IMetadata> provider(new MetadataProductFamily(status));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    return xml;
+    return KivTest::RefreshedXml(new MetadataProductFamily(status));
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "CStatus.h"
 #include "MetadataStatusNetwork.h"
+#include "MetadataTesting.h"
 #include "SmartPtr.h"
-#include "StatusRecordFilling.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +15,7 @@ namespace {
 
 std::string FragmentOf(const VpSts::CStatus& status)
 {
-    SmartPtr<IMetadata> provider(new MetadataStatusNetwork(status));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    return xml;
+    return KivTest::RefreshedXml(new MetadataStatusNetwork(status));
 }
 
 } // namespace

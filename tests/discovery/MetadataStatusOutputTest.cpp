@@ -1,7 +1,7 @@
 #include "CStatus.h"
 #include "MetadataStatusOutput.h"
+#include "MetadataTesting.h"
 #include "SmartPtr.h"
-#include "StatusRecordFilling.h"
 
 #include <gtest/gtest.h>
 
@@ -15,11 +15,7 @@ namespace {
 
 std::string FragmentOf(const VpSts::CStatus& status)
 {
-    SmartPtr<IMetadata> provider(new MetadataStatusOutput(status));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    return xml;
+    return KivTest::RefreshedXml(new MetadataStatusOutput(status));
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "CConfig.h"
+#include "MetadataTesting.h"
 #include "MetadataTimezone.h"
 #include "SmartPtr.h"
 
@@ -14,20 +15,14 @@ TEST(MetadataTimezoneTest, ZoneNameIsWrittenBetweenTimeZoneTags)
     VpCfg::CConfig config;
     config.timeZoneName = "America/Argentina/Buenos_Aires";
     SmartPtr<IMetadata> provider(new MetadataTimezone(config));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    EXPECT_EQ(xml, "<TimeZone>America/Argentina/Buenos_Aires</TimeZone>");
+    EXPECT_EQ(KivTest::RefreshedXml(provider), "<TimeZone>America/Argentina/Buenos_Aires</TimeZone>");
     EXPECT_TRUE(provider->IsChanged());
 }
 
 TEST(MetadataTimezoneTest, DefaultRecordGivesTheRecordsDefaultZone)
 {
     VpCfg::CConfig config;
-    SmartPtr<IMetadata> provider(new MetadataTimezone(config));
-    provider->Refresh();
-    std::string xml;
-    provider->GetXml(xml);
-    EXPECT_EQ(xml, std::string("<TimeZone>") + config.timeZoneName + "</TimeZone>");
+    EXPECT_EQ(KivTest::RefreshedXml(new MetadataTimezone(config)),
+              std::string("<TimeZone>") + config.timeZoneName + "</TimeZone>");
     EXPECT_NE(std::string(config.timeZoneName), "");
 }

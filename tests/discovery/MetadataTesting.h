@@ -1,18 +1,22 @@
-// StatusRecordFilling.h - fills status records in memory for the metadata
-// tests, without going through a status file.
+// MetadataTesting.h - helpers of the metadata tests: fill status records in
+// memory, without a status file, and read a provider's fragment.
 //
 //   VpSts::CStatus status;
 //   AddDevice(status, 1, "eth0", "00:11:22:33:44:55", "192.0.2.10", nullptr, "192.0.2.1", "255.255.255.0");
 //   AddOutput(status, 2, 0, 3, 4);
+//   EXPECT_EQ(RefreshedXml(new MetadataStatusOutput(status)), "<Outputs>...");
 //
 // A null text leaves that device text missing (a null pointer in the record).
-#ifndef KIV_TESTS_DISCOVERY_STATUSRECORDFILLING_H
-#define KIV_TESTS_DISCOVERY_STATUSRECORDFILLING_H
+#ifndef KIV_TESTS_DISCOVERY_METADATATESTING_H
+#define KIV_TESTS_DISCOVERY_METADATATESTING_H
 
 #include "CStatus.h"
+#include "IMetadata.h"
+#include "SmartPtr.h"
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace KivTest {
 
@@ -33,6 +37,15 @@ inline void AddOutput(VpSts::CStatus& status, std::uint32_t number, std::uint32_
                       std::uint32_t rows, std::uint32_t columns)
 {
     status.outputList.Add(VpSts::COutput(number, kind, rows, columns));
+}
+
+/// Refreshes \p provider once and returns its fragment.
+inline std::string RefreshedXml(const KivPlr::SmartPtr<KivConfig::IMetadata>& provider)
+{
+    provider->Refresh();
+    std::string xml;
+    provider->GetXml(xml);
+    return xml;
 }
 
 } // namespace KivTest
