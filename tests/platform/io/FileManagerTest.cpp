@@ -29,6 +29,10 @@ using KivTest::WriteFile;
 
 namespace {
 
+KIV_NULL_REFERENCE(NullResult, _Result)
+KIV_NULL_REFERENCE(NullStream, SmartPtr<IStream>)
+KIV_NULL_REFERENCE(NullInfo, FileInfo)
+
 const std::string OldContent = "old content";
 
 ino_t InodeOf(const std::string& path)
@@ -624,18 +628,17 @@ TEST(FileInfoTest, FieldsHaveTheirFixedWidths)
 TEST_F(FileManagerTest, NullResultReferenceDoesNothing)
 {
     ASSERT_TRUE(WriteFile(File("a"), OldContent));
-    _Result& nothing = KivTest::NullReference<_Result>();
     SmartPtr<IStream> stream;
     FileInfo info;
-    files->CreateFile(Path(File("b")), nothing);
-    files->Delete(Path(File("a")), nothing);
-    files->Move(Path(File("a")), Path(File("c")), nothing);
-    files->Link(Path(File("a")), Path(File("d")), true, nothing);
-    files->Exists(Path(File("a")), nothing);
-    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, stream, nothing);
-    files->OpenRead(Path(File("a")), stream, nothing);
-    files->CreateNew(Path(File("e")), stream, nothing);
-    files->GetInfo(Path(File("a")), info, nothing);
+    files->CreateFile(Path(File("b")), NullResult());
+    files->Delete(Path(File("a")), NullResult());
+    files->Move(Path(File("a")), Path(File("c")), NullResult());
+    files->Link(Path(File("a")), Path(File("d")), true, NullResult());
+    files->Exists(Path(File("a")), NullResult());
+    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, stream, NullResult());
+    files->OpenRead(Path(File("a")), stream, NullResult());
+    files->CreateNew(Path(File("e")), stream, NullResult());
+    files->GetInfo(Path(File("a")), info, NullResult());
     EXPECT_FALSE(stream);
     EXPECT_EQ(ReadFile(File("a")), OldContent);
     for (const char* name : {"b", "c", "d", "e"})
@@ -645,20 +648,19 @@ TEST_F(FileManagerTest, NullResultReferenceDoesNothing)
 TEST_F(FileManagerTest, NullOutReferencesFailWithoutTouchingTheFile)
 {
     ASSERT_TRUE(WriteFile(File("a"), OldContent));
-    SmartPtr<IStream>& noStream = KivTest::NullReference<SmartPtr<IStream>>();
     _Result result = ResultPass;
-    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, noStream, result);
+    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, NullStream(), result);
     EXPECT_EQ(result, ResultFail);
     EXPECT_EQ(ReadFile(File("a")), OldContent);
     result = ResultPass;
-    files->OpenRead(Path(File("a")), noStream, result);
+    files->OpenRead(Path(File("a")), NullStream(), result);
     EXPECT_EQ(result, ResultFail);
     result = ResultPass;
-    files->CreateNew(Path(File("b")), noStream, result);
+    files->CreateNew(Path(File("b")), NullStream(), result);
     EXPECT_EQ(result, ResultFail);
     EXPECT_TRUE(IsMissing(File("b")));
     result = ResultPass;
-    files->GetInfo(Path(File("a")), KivTest::NullReference<FileInfo>(), result);
+    files->GetInfo(Path(File("a")), NullInfo(), result);
     EXPECT_EQ(result, ResultFail);
     EXPECT_TRUE(DescriptorsOpenOn(File("a")).empty());
 }

@@ -21,6 +21,9 @@ using KivTest::WriteFile;
 
 namespace {
 
+KIV_NULL_REFERENCE(NullResult, _Result)
+KIV_NULL_REFERENCE(NullCount, std::uint64_t)
+
 const std::string Digits = "0123456789";
 
 class LinuxFileStreamTest : public ::testing::Test
@@ -473,30 +476,29 @@ TEST_F(LinuxFileStreamTest, ReleasingAClosedStreamDoesNotCloseAgain)
 TEST_F(LinuxFileStreamTest, NullReferencesNeitherCrashNorTransfer)
 {
     SmartPtr<IStream> stream = OpenData();
-    _Result& nothing = KivTest::NullReference<_Result>();
     std::uint64_t count = 0;
     unsigned char buffer[4];
-    stream->Reserved1(nothing);
-    stream->Reserved2(nothing);
-    stream->Reserved3(nothing);
-    stream->Reserved4(nothing);
-    stream->Flush(nothing);
-    stream->Seek(5, 0, nothing);
-    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, count, nothing);
-    stream->Write("ab", 2, 0, 2, count, nothing);
+    stream->Reserved1(NullResult());
+    stream->Reserved2(NullResult());
+    stream->Reserved3(NullResult());
+    stream->Reserved4(NullResult());
+    stream->Flush(NullResult());
+    stream->Seek(5, 0, NullResult());
+    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, count, NullResult());
+    stream->Write("ab", 2, 0, 2, count, NullResult());
     EXPECT_EQ(count, 0u);
     EXPECT_EQ(ReadFile(file), Digits);
     EXPECT_EQ(NextByte(*stream), '0');
 
     _Result result = ResultPass;
-    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, KivTest::NullReference<std::uint64_t>(), result);
+    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, NullCount(), result);
     EXPECT_EQ(result, ResultFail);
     result = ResultPass;
-    stream->Write("ab", 2, 0, 2, KivTest::NullReference<std::uint64_t>(), result);
+    stream->Write("ab", 2, 0, 2, NullCount(), result);
     EXPECT_EQ(result, ResultFail);
     EXPECT_EQ(ReadFile(file), Digits);
     EXPECT_EQ(NextByte(*stream), '1');
 
-    stream->Close(nothing);
+    stream->Close(NullResult());
     EXPECT_EQ(DescriptorsOpenOn(file).size(), 1u);
 }
