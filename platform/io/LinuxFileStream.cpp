@@ -33,6 +33,13 @@ bool AcceptTransfer(const void* buffer, std::uint64_t bufferSize, std::uint64_t 
     return true;
 }
 
+// The reserved slots have nothing to do and say so.
+void AnswerReserved(_Result& result)
+{
+    if (!IsNullReference(&result))
+        result = ResultFail;
+}
+
 } // namespace
 
 LinuxFileStream::LinuxFileStream(std::int32_t descriptor) : fd(descriptor), isOpen(1) {}
@@ -45,14 +52,12 @@ LinuxFileStream::~LinuxFileStream()
 
 void LinuxFileStream::Reserved1(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultFail;
+    AnswerReserved(result);
 }
 
 void LinuxFileStream::Reserved2(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultFail;
+    AnswerReserved(result);
 }
 
 void LinuxFileStream::Close(_Result& result)
@@ -75,14 +80,12 @@ void LinuxFileStream::Close(_Result& result)
 
 void LinuxFileStream::Reserved3(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultFail;
+    AnswerReserved(result);
 }
 
 void LinuxFileStream::Reserved4(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultFail;
+    AnswerReserved(result);
 }
 
 void LinuxFileStream::Flush(_Result& result)
