@@ -1,0 +1,21 @@
+#include "DaemonStartup.h"
+
+#include "Globals.h"
+#include "LinuxPlatform.h"
+#include "Platform.h"
+
+#include <sys/stat.h>
+#include <sys/types.h>
+
+namespace {
+
+const mode_t OutputDirectoryMode = 0775;
+
+} // namespace
+
+void StartDaemon(const char* outputDirectory)
+{
+    mkdir(outputDirectory, OutputDirectoryMode);
+    KivPlr::Platform::SetInstance(new KivPlr::LinuxPlatform);
+    gServices = new KivConfig::DiscoverableServices(gConfig, gStatus, outputDirectory);
+}

@@ -1,0 +1,26 @@
+// Globals.h - the daemon's three process-wide objects.
+//
+// Constructed before main runs, in this order, and destroyed at exit in the
+// reverse order. The configuration and status records are reloaded by the
+// refresh loop once per cycle; gServices is empty until start-up fills it.
+// Only the daemon's one thread touches them.
+//
+//   gConfig.LoadResources(configurationPath.Get());
+//   gStatus.Load("/dev/shm/status.xml");
+//   gServices->Update();
+#ifndef KIV_APP_GLOBALS_H
+#define KIV_APP_GLOBALS_H
+
+#include "CConfig.h"
+#include "CStatus.h"
+#include "DiscoverableServices.h"
+#include "SmartPtr.h"
+
+/// The unit's configuration record.
+extern VpCfg::CConfig gConfig;
+/// The unit's status record.
+extern VpSts::CStatus gStatus;
+/// The one publisher, created at start-up.
+extern KivPlr::SmartPtr<KivConfig::DiscoverableServices> gServices;
+
+#endif

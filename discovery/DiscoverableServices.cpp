@@ -1,0 +1,135 @@
+#include "DiscoverableServices.h"
+
+#include "Discovery.h"
+#include "IMetadata.h"
+#include "IPlatform.h"
+#include "MetadataComputerName.h"
+#include "MetadataDescription.h"
+#include "MetadataProductFamily.h"
+#include "MetadataStatusNetwork.h"
+#include "MetadataStatusOutput.h"
+#include "MetadataTimezone.h"
+#include "Platform.h"
+#include "ScopedLock.h"
+
+#include <cstdio>
+#include <unistd.h>
+
+namespace KivConfig {
+
+namespace {
+
+const std::uint32_t ManagementServiceKind = 0;
+const std::uint32_t InitialManagementPort = 80;
+const char* const DescriptionName = "Management";
+const char* const ManagementType = "cpp:Management";
+const char* const DiscoveryVersion = "<cpp:DiscoveryVersion>1</cpp:DiscoveryVersion>";
+
+} // namespace
+
+const char* const DiscoverableServices::OutputDirectory = "/var/lib/discovery";
+const char* const DiscoverableServices::ScopeUri =
+    "http://standards.kivotrel.example/2011/videoprocessor/trx";
+const char* const DiscoverableServices::SavedMessage =
+    "saving management service description file\r";
+
+DiscoverableServices::DiscoverableServices(const VpCfg::CConfig& config,
+                                           const VpSts::CStatus& status,
+                                           const std::string& outputDirectory)
+    : lock(), savedWorkingDirectory(), configGroup(), stateGroup(),
+      managementPort(InitialManagementPort), dirty(false), config(config),
+      outputDirectory(outputDirectory)
+{
+    configGroup = new MetadataGroup("cpp:Config");
+    stateGroup = new MetadataGroup("cpp:State");
+
+    KivPlr::SmartPtr<IMetadata> description(new MetadataDescription(config));
+    KivPlr::SmartPtr<IMetadata> timezone(new MetadataTimezone(config));
+    KivPlr::SmartPtr<IMetadata> computerName(new MetadataComputerName(config));
+    KivPlr::SmartPtr<IMetadata> productFamily(new MetadataProductFamily(status));
+    KivPlr::SmartPtr<IMetadata> network(new MetadataStatusNetwork(status));
+    KivPlr::SmartPtr<IMetadata> outputs(new MetadataStatusOutput(status));
+
+    configGroup->Add(description);
+    configGroup->Add(timezone);
+    configGroup->Add(computerName);
+    stateGroup->Add(productFamily);
+    stateGroup->Add(network);
+    stateGroup->Add(outputs);
+
+    KivPlr::SmartPtr<KivPlr::IPlatform> platform(KivPlr::Platform::GetInstance());
+    lock = platform->CreateLock();
+}
+
+void DiscoverableServices::Update()
+{
+    KivPlr::ScopedLock hold(lock);
+
+    // Every management entry is compared with the port kept so far, not just
+    // the first: with two of them the last one wins and each cycle rewrites.
+    for (unsigned int index = 0;; ++index) {
+        const VpCfg::CServiceEntry* entry = config.serviceList[index];
+        if (entry == nullptr)
+            break;
+        if (entry->serviceKind == ManagementServiceKind && entry->servicePort != managementPort) {
+            dirty = true;
+            managementPort = entry->servicePort;
+        }
+    }
+
+    std::string metadata;
+    BuildMetadata(metadata);
+
+    EnterOutputDirectory();
+    KivDiscoveryClient::Discovery description(DescriptionName);
+    description.AddType(ManagementType);
+    description.AddScope(ScopeUri);
+    description.SetPort(static_cast<unsigned short>(managementPort));
+    description.SetMetaData(metadata);
+    if (dirty) {
+        description.WriteToFile();
+        dirty = false;
+    }
+    LeaveOutputDirectory();
+
+    // Printed in every cycle, written or not: the line deliberately does not
+    // track the write (flushed so that a pipe or the journal gets it at once).
+    std::puts(SavedMessage);
+    std::fflush(stdout);
+}
+
+void DiscoverableServices::BuildMetadata(std::string& metadata)
+{
+    configGroup->Refresh();
+    stateGroup->Refresh();
+
+    std::string configXml;
+    std::string stateXml;
+    configGroup->GetXml(configXml);
+    stateGroup->GetXml(stateXml);
+
+    if (configGroup->IsChanged() || stateGroup->IsChanged()) {
+        dirty = true;
+        stateGroup->ClearChanged();
+        configGroup->ClearChanged();
+    }
+
+    metadata = configXml + stateXml + DiscoveryVersion;
+}
+
+void DiscoverableServices::EnterOutputDirectory()
+{
+    char current[4096];
+    if (getcwd(current, sizeof current) != nullptr)
+        savedWorkingDirectory = current;
+    int ignored = chdir(outputDirectory.c_str());
+    (void)ignored;
+}
+
+void DiscoverableServices::LeaveOutputDirectory()
+{
+    int ignored = chdir(savedWorkingDirectory.c_str());
+    (void)ignored;
+}
+
+} // namespace KivConfig

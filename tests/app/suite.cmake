@@ -1,0 +1,1 @@
+kiv_add_test_suite(kivdiscovery_app_tests app LIBRARIES kivdiscovery)
