@@ -1,5 +1,6 @@
 #include "LinuxPlatform.h"
 
+#include "FileManager.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
 #include "PosixCurrentTimespec.h"
@@ -69,7 +70,7 @@ ISystemClock* LinuxPlatform::CreateSystemClock()
 
 IFileManager* LinuxPlatform::CreateFileManager()
 {
-    return nullptr;  // FileManager is wired here by the files area.
+    return new FileManager;
 }
 
 IDirectoryManager* LinuxPlatform::CreateDirectoryManager()

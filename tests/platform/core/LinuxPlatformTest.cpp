@@ -1,4 +1,5 @@
 #include "FakeTimespecOffsetCalculator.h"
+#include "FileManager.h"
 #include "ISemaphore.h"
 #include "ISharedLock.h"
 #include "IThread.h"
@@ -71,6 +72,11 @@ void CountsUpInAThread(void* argument)
 }
 
 } // namespace
+
+TEST_F(LinuxPlatformTest, CreateFileManagerReturnsANewFileManagerWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<FileManager>(*platform, &IPlatform::CreateFileManager);
+}
 
 TEST_F(LinuxPlatformTest, CreateLockReturnsANewPosixLockWithCountZero)
 {
