@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -84,22 +85,33 @@ XmlRecordReader::XmlRecordReader(std::string filePath, size_t maximumFile, size_
 
 XmlRecordReader::~XmlRecordReader() = default;
 
-void XmlRecordReader::Record(const std::string& message)
+void XmlRecordReader::Record(size_t offset, const std::string& message)
 {
     if (errors.size() < kMaximumMessages)
-        errors.push_back(message);
+        errors.emplace_back(offset, message);
     else if (errors.size() == kMaximumMessages)
-        errors.push_back(path + ": further faults are not listed");
+        errors.emplace_back(SIZE_MAX, path + ": further faults are not listed");
+}
+
+std::vector<std::string> XmlRecordReader::Errors() const
+{
+    std::vector<std::pair<size_t, std::string>> sorted = errors;
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto& left, const auto& right) { return left.first < right.first; });
+    std::vector<std::string> messages;
+    for (auto& fault : sorted)
+        messages.push_back(std::move(fault.second));
+    return messages;
 }
 
 void XmlRecordReader::FailWithoutPosition(const std::string& description)
 {
-    Record(path + ": " + description);
+    Record(0, path + ": " + description);
 }
 
 void XmlRecordReader::FailAtOffset(size_t offset, const std::string& description)
 {
-    Record(path + ":" + Location(offset) + ": " + description);
+    Record(offset, path + ":" + Location(offset) + ": " + description);
 }
 
 void XmlRecordReader::Fail(pugi::xml_node node, const std::string& description)
@@ -158,13 +170,13 @@ bool XmlRecordReader::ReadFile()
 {
     int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (descriptor < 0) {
-        Record("cannot open " + path + ": " + std::strerror(errno));
+        Record(0, "cannot open " + path + ": " + std::strerror(errno));
         return false;
     }
     struct stat status;
     bool readable = true;
     if (fstat(descriptor, &status) != 0) {
-        Record("cannot open " + path + ": " + std::strerror(errno));
+        Record(0, "cannot open " + path + ": " + std::strerror(errno));
         readable = false;
     } else if (!S_ISREG(status.st_mode)) {
         FailWithoutPosition("not a regular file");
@@ -183,7 +195,7 @@ bool XmlRecordReader::ReadFile()
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0) {
-            Record("cannot read " + path + ": " + std::strerror(errno));
+            Record(0, "cannot read " + path + ": " + std::strerror(errno));
             readable = false;
         } else if (count == 0) {
             break;

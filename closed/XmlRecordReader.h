@@ -21,6 +21,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace KivClosed {
@@ -76,9 +77,9 @@ public:
     /// True while no fault has been recorded.
     bool Succeeded() const { return errors.empty(); }
 
-    /// Every fault in the order found (at most a hundred, then one line
-    /// saying that more were left out).
-    const std::vector<std::string>& Errors() const { return errors; }
+    /// Every fault in file order (at most a hundred, then one line saying
+    /// that more were left out).
+    std::vector<std::string> Errors() const;
 
     /// \p messages joined by line feeds.
     static std::string Join(const std::vector<std::string>& messages);
@@ -90,7 +91,7 @@ private:
     bool ReadFile();
     void FailAtOffset(size_t offset, const std::string& description);
     void FailWithoutPosition(const std::string& description);
-    void Record(const std::string& message);
+    void Record(size_t offset, const std::string& message);
     bool CheckDeclaration();
     bool CheckAttributesUnique();
     std::string Location(size_t offset);
@@ -102,7 +103,8 @@ private:
     std::string content;
     std::vector<size_t> lineStarts;
     pugi::xml_document document;
-    std::vector<std::string> errors;
+    /// The faults with the offsets they were found at, for sorting.
+    std::vector<std::pair<size_t, std::string>> errors;
 };
 
 } // namespace KivClosed
