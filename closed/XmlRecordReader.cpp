@@ -124,9 +124,12 @@ size_t XmlRecordReader::OffsetOf(pugi::xml_node node) const
     ptrdiff_t offset = node.offset_debug();
     if (offset < 0)
         return 0;
-    // An element's offset is that of its name; messages point at its "<".
-    if (IsElement(node) && offset > 0)
-        --offset;
+    // An element's offset is that of its name, a declaration's that of
+    // "xml": messages point at the "<" or "<?" in front.
+    if (IsElement(node) && offset >= 1)
+        offset -= 1;
+    else if (node.type() == pugi::node_declaration && offset >= 2)
+        offset -= 2;
     return static_cast<size_t>(offset);
 }
 
