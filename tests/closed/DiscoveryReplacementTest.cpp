@@ -1,0 +1,280 @@
+// How Discovery::WriteToFile replaces its file: atomically for a reader that
+// polls it, and not at all when the disk is full, the directory is read-only
+// or the directory is gone. The file-system cases run in a forked child with
+// a private mount namespace, so nothing is mounted on the machine itself.
+
+#include "Discovery.h"
+
+#include "ChildProcess.h"
+#include "Emulation.h"
+#include "ScopedWorkingDirectory.h"
+#include "TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <poll.h>
+#include <sched.h>
+#include <set>
+#include <signal.h>
+#include <string>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using KivDiscoveryClient::Discovery;
+using KivTest::ChildOutcome;
+using KivTest::ReadFile;
+using KivTest::RunInChild;
+using KivTest::TemporaryDirectory;
+
+namespace {
+
+const int kRewrites = 1000;
+/// Exit status of a child that could not set up its mount namespace.
+const int kNoNamespace = 77;
+
+std::set<std::string> Entries(const std::string& directory)
+{
+    std::set<std::string> names;
+    DIR* stream = opendir(directory.c_str());
+    if (stream == nullptr)
+        return names;
+    while (struct dirent* entry = readdir(stream)) {
+        std::string name = entry->d_name;
+        if (name != "." && name != "..")
+            names.insert(name);
+    }
+    closedir(stream);
+    return names;
+}
+
+bool WriteDescription(const std::string& metadata, std::string& fault)
+{
+    Discovery description("Management");
+    description.AddType("cpp:Management");
+    description.SetPort(8080);
+    description.SetMetaData(metadata);
+    bool written = description.WriteToFile();
+    fault = description.ErrorMessage();
+    return written;
+}
+
+/// For a child: reports a failed check on standard output, which the parent
+/// shows, and remembers that the child must fail.
+class ChildChecks
+{
+public:
+    void Check(bool condition, const std::string& what)
+    {
+        if (!condition) {
+            std::printf("check failed: %s\n", what.c_str());
+            failed = true;
+        }
+    }
+    [[noreturn]] void Finish()
+    {
+        std::fflush(stdout);
+        _exit(failed ? 1 : 0);
+    }
+
+private:
+    bool failed = false;
+};
+
+/// For a child: a private mount namespace, or exit with kNoNamespace.
+void EnterPrivateMountNamespaceOrExit()
+{
+    if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        std::printf("no private mount namespace: %s\n", std::strerror(errno));
+        std::fflush(stdout);
+        _exit(kNoNamespace);
+    }
+}
+
+void ExpectChildPassed(const ChildOutcome& outcome)
+{
+    if (outcome.exited && outcome.exitStatus == kNoNamespace)
+        GTEST_SKIP() << outcome.standardOutput;
+    EXPECT_TRUE(outcome.exited && outcome.exitStatus == 0) << KivTest::Describe(outcome);
+}
+
+class DiscoveryReplacementTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (KivTest::RunningUnderEmulation())
+            GTEST_SKIP() << "mount namespaces and fork-heavy tests are not available under qemu-arm";
+    }
+
+    std::string File() const { return directory.Path() + "/Management.xml"; }
+
+    TemporaryDirectory directory;
+};
+
+} // namespace
+
+TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
+{
+    ScopedWorkingDirectory enter(directory.Path());
+    // Two versions of different sizes, large enough to take several writes.
+    const std::string small = "small";
+    const std::string large(300000, 'L');
+    std::string fault;
+    ASSERT_TRUE(WriteDescription(small, fault)) << fault;
+    const std::string smallFile = ReadFile(File());
+    ASSERT_TRUE(WriteDescription(large, fault)) << fault;
+    const std::string largeFile = ReadFile(File());
+    ASSERT_NE(smallFile, largeFile);
+
+    int stop[2];
+    int report[2];
+    ASSERT_EQ(pipe(stop), 0);
+    ASSERT_EQ(pipe(report), 0);
+    std::fflush(nullptr);
+    pid_t reader = fork();
+    ASSERT_GE(reader, 0);
+    if (reader == 0) {
+        close(stop[1]);
+        close(report[0]);
+        long reads = 0;
+        long torn = 0;
+        long missing = 0;
+        std::string content;
+        char buffer[65536];
+        struct pollfd stopped = {stop[0], POLLIN, 0};
+        while (poll(&stopped, 1, 0) == 0) {
+            int descriptor = open("Management.xml", O_RDONLY);
+            if (descriptor < 0) {
+                ++missing;
+                continue;
+            }
+            content.clear();
+            ssize_t count;
+            while ((count = read(descriptor, buffer, sizeof buffer)) > 0)
+                content.append(buffer, static_cast<size_t>(count));
+            close(descriptor);
+            ++reads;
+            if (content != smallFile && content != largeFile)
+                ++torn;
+        }
+        char line[128];
+        int length = std::snprintf(line, sizeof line, "%ld %ld %ld", reads, torn, missing);
+        ssize_t written = write(report[1], line, static_cast<size_t>(length));
+        _exit(written == length ? 0 : 1);
+    }
+    close(stop[0]);
+    close(report[1]);
+    int failures = 0;
+    for (int round = 0; round < kRewrites; ++round) {
+        if (!WriteDescription(round % 2 == 0 ? small : large, fault))
+            ++failures;
+    }
+    close(stop[1]);
+    char line[128] = {0};
+    ssize_t count = read(report[0], line, sizeof line - 1);
+    close(report[0]);
+    int status = 0;
+    waitpid(reader, &status, 0);
+    ASSERT_GT(count, 0);
+    long reads = -1;
+    long torn = -1;
+    long missing = -1;
+    ASSERT_EQ(std::sscanf(line, "%ld %ld %ld", &reads, &torn, &missing), 3) << line;
+    EXPECT_EQ(failures, 0) << fault;
+    EXPECT_GT(reads, 0);
+    EXPECT_EQ(torn, 0) << "of " << reads << " reads";
+    EXPECT_EQ(missing, 0) << "of " << reads << " reads";
+    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(ReadFile(File()), largeFile);
+}
+
+TEST_F(DiscoveryReplacementTest, FullFileSystemLeavesThePreviousFileAndNoTemporaryFile)
+{
+    std::string path = directory.Path();
+    ChildOutcome outcome = RunInChild([path] {
+        EnterPrivateMountNamespaceOrExit();
+        ChildChecks checks;
+        checks.Check(mount("tmpfs", path.c_str(), "tmpfs", 0, "size=256k,mode=0755") == 0,
+                     std::string("mount tmpfs: ") + std::strerror(errno));
+        checks.Check(chdir(path.c_str()) == 0, "chdir");
+        std::string fault;
+        checks.Check(WriteDescription("previous", fault), "first write: " + fault);
+        std::string before = ReadFile(path + "/Management.xml");
+        // Fill the file system to the last byte.
+        int filler = open((path + "/filler").c_str(), O_WRONLY | O_CREAT, 0600);
+        char block[4096];
+        std::memset(block, 'f', sizeof block);
+        while (write(filler, block, sizeof block) > 0) {
+        }
+        while (write(filler, block, 1) > 0) {
+        }
+        close(filler);
+        checks.Check(!WriteDescription(std::string(20000, 'n'), fault), "write on a full disk succeeded");
+        checks.Check(fault.find("No space left on device") != std::string::npos, "message: " + fault);
+        checks.Check(fault.find("Management.xml") == 0, "message names the file: " + fault);
+        checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
+        checks.Check(Entries(path) == std::set<std::string>{"Management.xml", "filler"}, "temporary file left");
+        checks.Finish();
+    });
+    ExpectChildPassed(outcome);
+}
+
+TEST_F(DiscoveryReplacementTest, ReadOnlyDirectoryLeavesThePreviousFileAndNoTemporaryFile)
+{
+    std::string path = directory.Path();
+    ChildOutcome outcome = RunInChild([path] {
+        EnterPrivateMountNamespaceOrExit();
+        ChildChecks checks;
+        checks.Check(chdir(path.c_str()) == 0, "chdir");
+        std::string fault;
+        checks.Check(WriteDescription("previous", fault), "first write: " + fault);
+        std::string before = ReadFile(path + "/Management.xml");
+        // We run as root, so permissions would not stop us: a read-only bind
+        // mount does.
+        checks.Check(mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0,
+                     std::string("bind: ") + std::strerror(errno));
+        checks.Check(mount(nullptr, path.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0,
+                     std::string("remount read-only: ") + std::strerror(errno));
+        checks.Check(chdir("/") == 0 && chdir(path.c_str()) == 0, "enter the read-only mount");
+        checks.Check(!WriteDescription("new", fault), "write into a read-only directory succeeded");
+        checks.Check(fault.find("Read-only file system") != std::string::npos, "message: " + fault);
+        checks.Check(fault.find("cannot create a temporary file in " + path) != std::string::npos,
+                     "message names the directory: " + fault);
+        checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
+        checks.Check(Entries(path) == std::set<std::string>{"Management.xml"}, "temporary file left");
+        checks.Finish();
+    });
+    ExpectChildPassed(outcome);
+    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+}
+
+TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
+{
+    std::string path = directory.Path();
+    std::string gone = path + "/gone";
+    std::string sibling = path + "/sibling";
+    ChildOutcome outcome = RunInChild([path, gone, sibling] {
+        ChildChecks checks;
+        checks.Check(mkdir(sibling.c_str(), 0755) == 0 && chdir(sibling.c_str()) == 0, "sibling");
+        std::string fault;
+        checks.Check(WriteDescription("previous", fault), "first write: " + fault);
+        std::string before = ReadFile(sibling + "/Management.xml");
+        checks.Check(mkdir(gone.c_str(), 0755) == 0 && chdir(gone.c_str()) == 0 && rmdir(gone.c_str()) == 0,
+                     "remove the working directory");
+        checks.Check(!WriteDescription("new", fault), "write into a removed directory succeeded");
+        checks.Check(fault.find("No such file or directory") != std::string::npos, "message: " + fault);
+        checks.Check(fault.find("Management.xml: cannot create a temporary file") == 0, "message: " + fault);
+        checks.Check(ReadFile(sibling + "/Management.xml") == before, "previous file changed");
+        checks.Check(Entries(sibling) == std::set<std::string>{"Management.xml"}, "sibling changed");
+        checks.Check(Entries(path) == std::set<std::string>{"sibling"}, "something appeared in the parent");
+        checks.Finish();
+    });
+    ExpectChildPassed(outcome);
+}
