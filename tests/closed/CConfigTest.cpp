@@ -1,6 +1,7 @@
 #include "CConfig.h"
 
 #include "BadRecordFiles.h"
+#include "LoadTestHelpers.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -41,16 +42,7 @@ protected:
     std::string File() const { return directory.Path() + "/configuration.xml"; }
 
     /// The only message of the last load, without the path and its colon.
-    std::string OnlyFault() const
-    {
-        EXPECT_EQ(config.ErrorMessages().size(), 1u) << config.ErrorMessage();
-        if (config.ErrorMessages().empty())
-            return "";
-        std::string message = config.ErrorMessages().front();
-        std::string prefix = File() + ":";
-        EXPECT_EQ(message.compare(0, prefix.size(), prefix), 0) << message;
-        return message.substr(std::min(prefix.size(), message.size()));
-    }
+    std::string OnlyFault() const { return ::OnlyFault(config.ErrorMessages(), File()); }
 
     void ExpectDefaults() const
     {

@@ -1,6 +1,7 @@
 #include "CStatus.h"
 
 #include "BadRecordFiles.h"
+#include "LoadTestHelpers.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -65,16 +66,7 @@ protected:
 
     std::string File() const { return directory.Path() + "/status.xml"; }
 
-    std::string OnlyFault() const
-    {
-        EXPECT_EQ(status.ErrorMessages().size(), 1u) << status.ErrorMessage();
-        if (status.ErrorMessages().empty())
-            return "";
-        std::string message = status.ErrorMessages().front();
-        std::string prefix = File() + ":";
-        EXPECT_EQ(message.compare(0, prefix.size(), prefix), 0) << message;
-        return message.substr(std::min(prefix.size(), message.size()));
-    }
+    std::string OnlyFault() const { return ::OnlyFault(status.ErrorMessages(), File()); }
 
     void ExpectDefaults() const
     {

@@ -1,5 +1,6 @@
 #include "DescriptionReader.h"
 
+#include "LoadTestHelpers.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -25,16 +26,7 @@ protected:
 
     std::string File() const { return directory.Path() + "/Management.xml"; }
 
-    std::string OnlyFault() const
-    {
-        EXPECT_EQ(reader.ErrorMessages().size(), 1u) << reader.ErrorMessage();
-        if (reader.ErrorMessages().empty())
-            return "";
-        std::string prefix = File() + ":";
-        std::string message = reader.ErrorMessages().front();
-        EXPECT_EQ(message.compare(0, prefix.size(), prefix), 0) << message;
-        return message.substr(std::min(prefix.size(), message.size()));
-    }
+    std::string OnlyFault() const { return ::OnlyFault(reader.ErrorMessages(), File()); }
 
     TemporaryDirectory directory;
     DescriptionReader reader;

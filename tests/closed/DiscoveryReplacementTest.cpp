@@ -8,6 +8,7 @@
 #include "ChildProcess.h"
 #include "Emulation.h"
 #include "ScopedWorkingDirectory.h"
+#include "LoadTestHelpers.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -39,20 +40,6 @@ const int kRewrites = 1000;
 /// Exit status of a child that could not set up its mount namespace.
 const int kNoNamespace = 77;
 
-std::set<std::string> Entries(const std::string& directory)
-{
-    std::set<std::string> names;
-    DIR* stream = opendir(directory.c_str());
-    if (stream == nullptr)
-        return names;
-    while (struct dirent* entry = readdir(stream)) {
-        std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            names.insert(name);
-    }
-    closedir(stream);
-    return names;
-}
 
 bool WriteDescription(const std::string& metadata, std::string& fault)
 {
@@ -191,7 +178,7 @@ TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
     EXPECT_GT(reads, 0);
     EXPECT_EQ(torn, 0) << "of " << reads << " reads";
     EXPECT_EQ(missing, 0) << "of " << reads << " reads";
-    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"}));
     EXPECT_EQ(ReadFile(File()), largeFile);
 }
 
@@ -220,7 +207,7 @@ TEST_F(DiscoveryReplacementTest, FullFileSystemLeavesThePreviousFileAndNoTempora
         checks.Check(fault.find("No space left on device") != std::string::npos, "message: " + fault);
         checks.Check(fault.find("Management.xml") == 0, "message names the file: " + fault);
         checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
-        checks.Check(Entries(path) == std::set<std::string>{"Management.xml", "filler"}, "temporary file left");
+        checks.Check(DirectoryEntries(path) == std::set<std::string>{"Management.xml", "filler"}, "temporary file left");
         checks.Finish();
     });
     ExpectChildPassed(outcome);
@@ -248,11 +235,11 @@ TEST_F(DiscoveryReplacementTest, ReadOnlyDirectoryLeavesThePreviousFileAndNoTemp
         checks.Check(fault.find("cannot create a temporary file in " + path) != std::string::npos,
                      "message names the directory: " + fault);
         checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
-        checks.Check(Entries(path) == std::set<std::string>{"Management.xml"}, "temporary file left");
+        checks.Check(DirectoryEntries(path) == std::set<std::string>{"Management.xml"}, "temporary file left");
         checks.Finish();
     });
     ExpectChildPassed(outcome);
-    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"}));
 }
 
 TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
@@ -272,8 +259,8 @@ TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
         checks.Check(fault.find("No such file or directory") != std::string::npos, "message: " + fault);
         checks.Check(fault.find("Management.xml: cannot create a temporary file") == 0, "message: " + fault);
         checks.Check(ReadFile(sibling + "/Management.xml") == before, "previous file changed");
-        checks.Check(Entries(sibling) == std::set<std::string>{"Management.xml"}, "sibling changed");
-        checks.Check(Entries(path) == std::set<std::string>{"sibling"}, "something appeared in the parent");
+        checks.Check(DirectoryEntries(sibling) == std::set<std::string>{"Management.xml"}, "sibling changed");
+        checks.Check(DirectoryEntries(path) == std::set<std::string>{"sibling"}, "something appeared in the parent");
         checks.Finish();
     });
     ExpectChildPassed(outcome);

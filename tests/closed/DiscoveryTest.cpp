@@ -4,6 +4,7 @@
 #include "DescriptionReader.h"
 #include "Emulation.h"
 #include "ScopedWorkingDirectory.h"
+#include "LoadTestHelpers.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -34,21 +35,6 @@ namespace {
 
 const std::string kScope = "http://standards.kivotrel.example/2011/videoprocessor/trx";
 
-/// The names in \p directory, without "." and "..".
-std::set<std::string> Entries(const std::string& directory)
-{
-    std::set<std::string> names;
-    DIR* stream = opendir(directory.c_str());
-    if (stream == nullptr)
-        return names;
-    while (struct dirent* entry = readdir(stream)) {
-        std::string name = entry->d_name;
-        if (name != "." && name != "..")
-            names.insert(name);
-    }
-    closedir(stream);
-    return names;
-}
 
 Discovery Management(const std::string& metadata, unsigned short port = 8080)
 {
@@ -125,8 +111,8 @@ TEST_F(DiscoveryTest, WritesIntoTheCurrentWorkingDirectory)
     ASSERT_EQ(mkdir(inner.c_str(), 0755), 0);
     ScopedWorkingDirectory enter(inner);
     ASSERT_TRUE(Management("m").WriteToFile());
-    EXPECT_EQ(Entries(inner), (std::set<std::string>{"Management.xml"}));
-    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"inner"}));
+    EXPECT_EQ(DirectoryEntries(inner), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"inner"}));
 }
 
 TEST_F(DiscoveryTest, FileModeIs0644WhateverTheUmask)
@@ -155,7 +141,7 @@ TEST_F(DiscoveryTest, LaterWriteReplacesTheEarlierFileAndLeavesNoTemporaryFile)
     ASSERT_TRUE(reader.Load(File().c_str()));
     EXPECT_EQ(reader.MetaData(), "short");
     EXPECT_EQ(reader.Port(), 80u);
-    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"}));
 }
 
 TEST_F(DiscoveryTest, UnrepresentableTextFailsWithoutWriting)
@@ -192,7 +178,7 @@ TEST_F(DiscoveryTest, UnrepresentableTextFailsWithoutWriting)
         EXPECT_FALSE(description.WriteToFile()) << sample.fault;
         EXPECT_EQ(description.ErrorMessage(), description.FileName() + ": not written: " + sample.fault);
         EXPECT_EQ(ReadFile(File()), previous);
-        EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"Management.xml"})) << sample.fault;
+        EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"})) << sample.fault;
     }
 }
 
@@ -212,9 +198,9 @@ TEST_F(DiscoveryTest, NameThatIsNotAPlainFileNameFailsWithoutWriting)
             current = current == '\0' ? '?' : current;
         EXPECT_EQ(description.ErrorMessage(), "description name \"" + shown + "\" is not a plain file name");
     }
-    EXPECT_TRUE(Entries(inner).empty());
-    EXPECT_EQ(Entries(directory.Path()), (std::set<std::string>{"inner"}));
-    EXPECT_TRUE(Entries("/").count("Management.xml") == 0);
+    EXPECT_TRUE(DirectoryEntries(inner).empty());
+    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"inner"}));
+    EXPECT_TRUE(DirectoryEntries("/").count("Management.xml") == 0);
 }
 
 TEST_F(DiscoveryTest, NamesWithDotsAndOtherCharactersAreFileNames)
@@ -236,5 +222,5 @@ TEST_F(DiscoveryTest, NameTooLongForTheFileSystemFailsWithoutWriting)
     EXPECT_FALSE(description.WriteToFile());
     EXPECT_NE(description.ErrorMessage().find("File name too long"), std::string::npos)
         << description.ErrorMessage();
-    EXPECT_TRUE(Entries(directory.Path()).empty());
+    EXPECT_TRUE(DirectoryEntries(directory.Path()).empty());
 }
