@@ -6,9 +6,9 @@
 #include "Discovery.h"
 
 #include "ChildProcess.h"
-#include "Emulation.h"
+#include "MountNamespace.h"
 #include "ScopedWorkingDirectory.h"
-#include "LoadTestHelpers.h"
+#include "DirectoryListing.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -16,11 +16,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
-#include <set>
+#include <vector>
 #include <signal.h>
 #include <string>
 #include <sys/mount.h>
@@ -30,6 +28,7 @@
 
 using KivDiscoveryClient::Discovery;
 using KivTest::ChildOutcome;
+using KivTest::MountNamespace;
 using KivTest::ReadFile;
 using KivTest::RunInChild;
 using KivTest::TemporaryDirectory;
@@ -37,8 +36,6 @@ using KivTest::TemporaryDirectory;
 namespace {
 
 const int kRewrites = 1000;
-/// Exit status of a child that could not set up its mount namespace.
-const int kNoNamespace = 77;
 
 
 bool WriteDescription(const std::string& metadata, std::string& fault)
@@ -74,31 +71,25 @@ private:
     bool failed = false;
 };
 
-/// For a child: a private mount namespace, or exit with kNoNamespace.
-void EnterPrivateMountNamespaceOrExit()
-{
-    if (unshare(CLONE_NEWNS) != 0 || mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
-        std::printf("no private mount namespace: %s\n", std::strerror(errno));
-        std::fflush(stdout);
-        _exit(kNoNamespace);
-    }
-}
-
 void ExpectChildPassed(const ChildOutcome& outcome)
 {
-    if (outcome.exited && outcome.exitStatus == kNoNamespace)
-        GTEST_SKIP() << outcome.standardOutput;
     EXPECT_TRUE(outcome.exited && outcome.exitStatus == 0) << KivTest::Describe(outcome);
 }
 
 class DiscoveryReplacementTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
+    /// Skips the test when no private mount namespace can be made here.
+    bool NamespacesUnavailable()
     {
-        if (KivTest::RunningUnderEmulation())
-            GTEST_SKIP() << "mount namespaces and fork-heavy tests are not available under qemu-arm";
+        std::string reason;
+        if (MountNamespace::Available(reason))
+            return false;
+        skipReason = reason;
+        return true;
     }
+
+    std::string skipReason;
 
     std::string File() const { return directory.Path() + "/Management.xml"; }
 
@@ -178,20 +169,21 @@ TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
     EXPECT_GT(reads, 0);
     EXPECT_EQ(torn, 0) << "of " << reads << " reads";
     EXPECT_EQ(missing, 0) << "of " << reads << " reads";
-    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), (std::vector<std::string>{"Management.xml"}));
     EXPECT_EQ(ReadFile(File()), largeFile);
 }
 
 TEST_F(DiscoveryReplacementTest, FullFileSystemLeavesThePreviousFileAndNoTemporaryFile)
 {
+    if (NamespacesUnavailable())
+        GTEST_SKIP() << skipReason;
     std::string path = directory.Path();
     ChildOutcome outcome = RunInChild([path] {
-        EnterPrivateMountNamespaceOrExit();
         ChildChecks checks;
-        checks.Check(mount("tmpfs", path.c_str(), "tmpfs", 0, "size=256k,mode=0755") == 0,
-                     std::string("mount tmpfs: ") + std::strerror(errno));
-        checks.Check(chdir(path.c_str()) == 0, "chdir");
         std::string fault;
+        checks.Check(MountNamespace::Enter(fault), "namespace: " + fault);
+        checks.Check(MountNamespace::MountTmpfs(path, fault, "size=256k,mode=0755"), "tmpfs: " + fault);
+        checks.Check(chdir(path.c_str()) == 0, "chdir");
         checks.Check(WriteDescription("previous", fault), "first write: " + fault);
         std::string before = ReadFile(path + "/Management.xml");
         // Fill the file system to the last byte.
@@ -207,7 +199,7 @@ TEST_F(DiscoveryReplacementTest, FullFileSystemLeavesThePreviousFileAndNoTempora
         checks.Check(fault.find("No space left on device") != std::string::npos, "message: " + fault);
         checks.Check(fault.find("Management.xml") == 0, "message names the file: " + fault);
         checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
-        checks.Check(DirectoryEntries(path) == std::set<std::string>{"Management.xml", "filler"}, "temporary file left");
+        checks.Check(KivTest::ListDirectory(path) == std::vector<std::string>{"Management.xml", "filler"}, "temporary file left");
         checks.Finish();
     });
     ExpectChildPassed(outcome);
@@ -215,18 +207,19 @@ TEST_F(DiscoveryReplacementTest, FullFileSystemLeavesThePreviousFileAndNoTempora
 
 TEST_F(DiscoveryReplacementTest, ReadOnlyDirectoryLeavesThePreviousFileAndNoTemporaryFile)
 {
+    if (NamespacesUnavailable())
+        GTEST_SKIP() << skipReason;
     std::string path = directory.Path();
     ChildOutcome outcome = RunInChild([path] {
-        EnterPrivateMountNamespaceOrExit();
         ChildChecks checks;
-        checks.Check(chdir(path.c_str()) == 0, "chdir");
         std::string fault;
+        checks.Check(MountNamespace::Enter(fault), "namespace: " + fault);
+        checks.Check(chdir(path.c_str()) == 0, "chdir");
         checks.Check(WriteDescription("previous", fault), "first write: " + fault);
         std::string before = ReadFile(path + "/Management.xml");
         // We run as root, so permissions would not stop us: a read-only bind
         // mount does.
-        checks.Check(mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0,
-                     std::string("bind: ") + std::strerror(errno));
+        checks.Check(MountNamespace::Bind(path, path, fault), "bind: " + fault);
         checks.Check(mount(nullptr, path.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0,
                      std::string("remount read-only: ") + std::strerror(errno));
         checks.Check(chdir("/") == 0 && chdir(path.c_str()) == 0, "enter the read-only mount");
@@ -235,11 +228,11 @@ TEST_F(DiscoveryReplacementTest, ReadOnlyDirectoryLeavesThePreviousFileAndNoTemp
         checks.Check(fault.find("cannot create a temporary file in " + path) != std::string::npos,
                      "message names the directory: " + fault);
         checks.Check(ReadFile(path + "/Management.xml") == before, "previous file changed");
-        checks.Check(DirectoryEntries(path) == std::set<std::string>{"Management.xml"}, "temporary file left");
+        checks.Check(KivTest::ListDirectory(path) == std::vector<std::string>{"Management.xml"}, "temporary file left");
         checks.Finish();
     });
     ExpectChildPassed(outcome);
-    EXPECT_EQ(DirectoryEntries(directory.Path()), (std::set<std::string>{"Management.xml"}));
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), (std::vector<std::string>{"Management.xml"}));
 }
 
 TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
@@ -259,8 +252,8 @@ TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
         checks.Check(fault.find("No such file or directory") != std::string::npos, "message: " + fault);
         checks.Check(fault.find("Management.xml: cannot create a temporary file") == 0, "message: " + fault);
         checks.Check(ReadFile(sibling + "/Management.xml") == before, "previous file changed");
-        checks.Check(DirectoryEntries(sibling) == std::set<std::string>{"Management.xml"}, "sibling changed");
-        checks.Check(DirectoryEntries(path) == std::set<std::string>{"sibling"}, "something appeared in the parent");
+        checks.Check(KivTest::ListDirectory(sibling) == std::vector<std::string>{"Management.xml"}, "sibling changed");
+        checks.Check(KivTest::ListDirectory(path) == std::vector<std::string>{"sibling"}, "something appeared in the parent");
         checks.Finish();
     });
     ExpectChildPassed(outcome);
