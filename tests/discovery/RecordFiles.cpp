@@ -1,5 +1,6 @@
 #include "RecordFiles.h"
 
+#include "SampleStatus.h"
 #include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -32,24 +33,7 @@ void RecordFiles::LoadConfiguration(VpCfg::CConfig& config, const std::string& c
 
 void RecordFiles::LoadStatus(VpSts::CStatus& status, std::uint32_t modelCode)
 {
-    std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n"
-                       "  <modelCode>" +
-                       std::to_string(modelCode) +
-                       "</modelCode>\n"
-                       "  <networkDevices>\n"
-                       "    <networkDevice number=\"1\">\n"
-                       "      <name>eth0</name>\n"
-                       "      <mac>00:11:22:33:44:55</mac>\n"
-                       "      <ipv4>192.0.2.10</ipv4>\n"
-                       "      <ipv6>2001:db8::10</ipv6>\n"
-                       "      <gateway>192.0.2.1</gateway>\n"
-                       "      <subnet>255.255.255.0</subnet>\n"
-                       "    </networkDevice>\n"
-                       "  </networkDevices>\n"
-                       "  <outputs>\n"
-                       "    <output number=\"1\" kind=\"0\" rows=\"2\" columns=\"4\"/>\n"
-                       "  </outputs>\n"
-                       "</status>\n";
+    std::string text = SampleStatusXml(modelCode);
     ASSERT_TRUE(WriteFile(statusFile, text));
     ASSERT_TRUE(status.Load(statusFile.c_str())) << status.ErrorMessage();
 }

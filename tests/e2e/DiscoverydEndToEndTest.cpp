@@ -13,6 +13,7 @@
 #include "Emulation.h"
 #include "MountNamespace.h"
 #include "RecordingCollector.h"
+#include "SampleStatus.h"
 #include "ShellCommand.h"
 #include "TemporaryDirectory.h"
 
@@ -57,26 +58,6 @@ std::string Configuration(const std::string& description, const std::vector<std:
     for (const auto& [kind, port] : services)
         text += "    <service kind=\"" + std::to_string(kind) + "\" port=\"" + std::to_string(port) + "\"/>\n";
     return text + "  </services>\n</configuration>\n";
-}
-
-std::string Status(const std::string& ipv4)
-{
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<status>\n"
-           "  <modelCode>3</modelCode>\n"
-           "  <networkDevices>\n"
-           "    <networkDevice number=\"2\">\n"
-           "      <name>eth0</name>\n"
-           "      <mac>00:11:22:33:44:55</mac>\n"
-           "      <ipv4>" + ipv4 + "</ipv4>\n"
-           "      <ipv6>2001:db8::10</ipv6>\n"
-           "      <gateway>192.0.2.1</gateway>\n"
-           "      <subnet>255.255.255.0</subnet>\n"
-           "    </networkDevice>\n"
-           "  </networkDevices>\n"
-           "  <outputs>\n"
-           "    <output number=\"1\" kind=\"0\" rows=\"2\" columns=\"4\"/>\n"
-           "  </outputs>\n"
-           "</status>\n";
 }
 
 double RealNow()
@@ -239,8 +220,8 @@ TEST(DiscoverydEndToEndTest, PublishesOnlyChangesOverManyCyclesAndSurvivesBadInp
     const std::string twoManagementPorts = Configuration("Wall left", {{0, 8080}, {0, 9090}});
     const std::string right8080 = Configuration("Wall right", {{0, 8080}});
     const std::string broken = "<?xml version=\"1.0\"?>\n<configuration><services><service kind=\"0\" port=";
-    const std::string first = Status("192.0.2.10");
-    const std::string second = Status("192.0.2.20");
+    const std::string first = KivTest::SampleStatusXml(3, "192.0.2.10");
+    const std::string second = KivTest::SampleStatusXml(3, "192.0.2.20");
 
     struct Cycle
     {
