@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "NullReference.h"
 #include "PosixResultPassFail.h"
 #include "SmartPtr.h"
 
@@ -6,18 +7,7 @@
 
 using namespace KivPlr;
 
-namespace {
-
-// Builds a null reference the way a caller handing in a null pointer does,
-// without the compiler seeing through it.
-__attribute__((no_sanitize("undefined"))) _Result& NullResultReference()
-{
-    _Result* pointer = nullptr;
-    asm volatile("" : "+r"(pointer));
-    return *pointer;
-}
-
-} // namespace
+using KivTest::NullResultReference;
 
 TEST(PosixResultPassFailTest, ZeroConvertsToPass)
 {

@@ -218,12 +218,12 @@ TEST(UuidGeneratorTest, NullResultReferenceExitsSilently)
 {
     SmartPtr<IUuidGenerator> generator(new UuidGenerator);
     Uuid uuid;
-    EXPECT_FATAL_SILENT(generator->Generate(uuid, KivTest::NullReference<_Result>()));
+    EXPECT_FATAL_SILENT(generator->Generate(uuid, KivTest::NullResultReference()));
 }
 
 TEST(UuidGeneratorTest, NullUuidReferenceExitsSilently)
 {
     SmartPtr<IUuidGenerator> generator(new UuidGenerator);
     _Result result = ResultFail;
-    EXPECT_FATAL_SILENT(generator->Generate(KivTest::NullReference<Uuid>(), result));
+    EXPECT_FATAL_SILENT(generator->Generate(KivTest::NullUuidReference(), result));
 }
