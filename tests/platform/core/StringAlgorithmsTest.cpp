@@ -29,6 +29,28 @@ std::string Unpacked(const Bytes& bytes)
     return hex;
 }
 
+// Converted copies, so that each expectation reads on one line.
+template <typename Text>
+Text Upper(Text text)
+{
+    StringAlgorithms::ToUpper(text);
+    return text;
+}
+
+template <typename Text>
+Text Lower(Text text)
+{
+    StringAlgorithms::ToLower(text);
+    return text;
+}
+
+template <typename Text>
+Text Trimmed(Text text)
+{
+    StringAlgorithms::Trim(text);
+    return text;
+}
+
 // Installs a global C++ locale for the lifetime of the object and puts the
 // previous one back afterwards.
 class GlobalLocale
@@ -162,92 +184,63 @@ TEST(StringAlgorithmsTest, ToPackedU8ReplacesEarlierContent)
 
 TEST(StringAlgorithmsTest, ToUpperChangesLettersOnly)
 {
-    std::string text = "Hello, World 42 az AZ";
-    StringAlgorithms::ToUpper(text);
-    EXPECT_EQ(text, "HELLO, WORLD 42 AZ AZ");
+    EXPECT_EQ(Upper(std::string("Hello, World 42 az AZ")), "HELLO, WORLD 42 AZ AZ");
 }
 
 TEST(StringAlgorithmsTest, ToLowerChangesLettersOnly)
 {
-    std::string text = "Hello, World 42 az AZ";
-    StringAlgorithms::ToLower(text);
-    EXPECT_EQ(text, "hello, world 42 az az");
+    EXPECT_EQ(Lower(std::string("Hello, World 42 az AZ")), "hello, world 42 az az");
 }
 
 TEST(StringAlgorithmsTest, CaseConversionKeepsHighBytesAndLength)
 {
-    std::string text("a\x80\xff\0b", 5);
-    StringAlgorithms::ToUpper(text);
-    EXPECT_EQ(text, std::string("A\x80\xff\0B", 5));
-    StringAlgorithms::ToLower(text);
-    EXPECT_EQ(text, std::string("a\x80\xff\0b", 5));
+    const std::string text("a\x80\xff\0b", 5);
+    EXPECT_EQ(Upper(text), std::string("A\x80\xff\0B", 5));
+    EXPECT_EQ(Lower(Upper(text)), text);
 }
 
 TEST(StringAlgorithmsTest, WideToUpperAndToLower)
 {
-    std::wstring text = L"Mixed Case 7";
-    StringAlgorithms::ToUpper(text);
-    EXPECT_EQ(text, L"MIXED CASE 7");
-    StringAlgorithms::ToLower(text);
-    EXPECT_EQ(text, L"mixed case 7");
+    EXPECT_EQ(Upper(std::wstring(L"Mixed Case 7")), L"MIXED CASE 7");
+    EXPECT_EQ(Lower(std::wstring(L"Mixed Case 7")), L"mixed case 7");
 }
 
 TEST(StringAlgorithmsTest, CaseConversionOfEmptyTextsStaysEmpty)
 {
-    std::string narrow;
-    std::wstring wide;
-    StringAlgorithms::ToUpper(narrow);
-    StringAlgorithms::ToLower(narrow);
-    StringAlgorithms::ToUpper(wide);
-    StringAlgorithms::ToLower(wide);
-    EXPECT_TRUE(narrow.empty());
-    EXPECT_TRUE(wide.empty());
+    EXPECT_EQ(Upper(std::string()), "");
+    EXPECT_EQ(Lower(std::string()), "");
+    EXPECT_EQ(Upper(std::wstring()), L"");
+    EXPECT_EQ(Lower(std::wstring()), L"");
 }
 
 // --- Trim -------------------------------------------------------------------------
 
 TEST(StringAlgorithmsTest, TrimRemovesSpaceAtBothEnds)
 {
-    std::string text = " \t\r\n\v\f a b \t\n";
-    StringAlgorithms::Trim(text);
-    EXPECT_EQ(text, "a b");
+    EXPECT_EQ(Trimmed(std::string(" \t\r\n\v\f a b \t\n")), "a b");
 }
 
 TEST(StringAlgorithmsTest, TrimKeepsSpaceInside)
 {
-    std::string text = "a \t b";
-    StringAlgorithms::Trim(text);
-    EXPECT_EQ(text, "a \t b");
+    EXPECT_EQ(Trimmed(std::string("a \t b")), "a \t b");
 }
 
 TEST(StringAlgorithmsTest, TrimOfOnlySpaceGivesEmptyText)
 {
-    std::string text = " \t \n ";
-    StringAlgorithms::Trim(text);
-    EXPECT_EQ(text, "");
-    std::string empty;
-    StringAlgorithms::Trim(empty);
-    EXPECT_EQ(empty, "");
+    EXPECT_EQ(Trimmed(std::string(" \t \n ")), "");
+    EXPECT_EQ(Trimmed(std::string()), "");
 }
 
 TEST(StringAlgorithmsTest, TrimOfOneEndOnly)
 {
-    std::string leading = "  x";
-    std::string trailing = "x  ";
-    StringAlgorithms::Trim(leading);
-    StringAlgorithms::Trim(trailing);
-    EXPECT_EQ(leading, "x");
-    EXPECT_EQ(trailing, "x");
+    EXPECT_EQ(Trimmed(std::string("  x")), "x");
+    EXPECT_EQ(Trimmed(std::string("x  ")), "x");
 }
 
 TEST(StringAlgorithmsTest, WideTrimRemovesSpaceAtBothEnds)
 {
-    std::wstring text = L"\t  wide text \n ";
-    StringAlgorithms::Trim(text);
-    EXPECT_EQ(text, L"wide text");
-    std::wstring blank = L" \t ";
-    StringAlgorithms::Trim(blank);
-    EXPECT_EQ(blank, L"");
+    EXPECT_EQ(Trimmed(std::wstring(L"\t  wide text \n ")), L"wide text");
+    EXPECT_EQ(Trimmed(std::wstring(L" \t ")), L"");
 }
 
 TEST(StringAlgorithmsTest, TrimFollowsTheGlobalLocale)
