@@ -1,13 +1,13 @@
 #include "ChildProcess.h"
-#include "NullReference.h"
 #include "LinuxResultConverter.h"
+#include "NullReference.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 
 using namespace KivPlr;
 
-using KivTest::NullResultReference;
+KIV_NULL_REFERENCE(NullResultReference, KivPlr::_Result)
 
 TEST(LinuxResultConverterTest, ZeroConvertsToPass)
 {

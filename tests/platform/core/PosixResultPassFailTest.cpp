@@ -7,7 +7,7 @@
 
 using namespace KivPlr;
 
-using KivTest::NullResultReference;
+KIV_NULL_REFERENCE(NullResultReference, KivPlr::_Result)
 
 TEST(PosixResultPassFailTest, ZeroConvertsToPass)
 {

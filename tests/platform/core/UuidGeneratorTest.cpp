@@ -12,6 +12,9 @@
 
 using namespace KivPlr;
 
+KIV_NULL_REFERENCE(NullResultReference, KivPlr::_Result)
+KIV_NULL_REFERENCE(NullUuidReference, KivPlr::Uuid)
+
 namespace {
 
 typedef std::vector<unsigned char> Bytes;
@@ -209,12 +212,12 @@ TEST(UuidGeneratorTest, NullResultReferenceExitsSilently)
 {
     SmartPtr<IUuidGenerator> generator(new UuidGenerator);
     Uuid uuid;
-    EXPECT_FATAL_SILENT(generator->Generate(uuid, KivTest::NullResultReference()));
+    EXPECT_FATAL_SILENT(generator->Generate(uuid, NullResultReference()));
 }
 
 TEST(UuidGeneratorTest, NullUuidReferenceExitsSilently)
 {
     SmartPtr<IUuidGenerator> generator(new UuidGenerator);
     _Result result = ResultFail;
-    EXPECT_FATAL_SILENT(generator->Generate(KivTest::NullUuidReference(), result));
+    EXPECT_FATAL_SILENT(generator->Generate(NullUuidReference(), result));
 }
