@@ -36,9 +36,8 @@ const char* const DiscoverableServices::SavedMessage =
 DiscoverableServices::DiscoverableServices(const VpCfg::CConfig& config,
                                            const VpSts::CStatus& status,
                                            const std::string& outputDirectory)
-    : lock(), savedWorkingDirectory(), configGroup(), stateGroup(),
-      managementPort(InitialManagementPort), dirty(false), config(config),
-      outputDirectory(outputDirectory)
+    : lock(), savedWorkingDirectory(), configGroup(), stateGroup(), managementPort(0),
+      dirty(false), config(config), outputDirectory(outputDirectory)
 {
     configGroup = new MetadataGroup("cpp:Config");
     stateGroup = new MetadataGroup("cpp:State");
@@ -56,6 +55,9 @@ DiscoverableServices::DiscoverableServices(const VpCfg::CConfig& config,
     stateGroup->Add(productFamily);
     stateGroup->Add(network);
     stateGroup->Add(outputs);
+
+    managementPort = InitialManagementPort;
+    dirty = false;
 
     KivPlr::SmartPtr<KivPlr::IPlatform> platform(KivPlr::Platform::GetInstance());
     lock = platform->CreateLock();

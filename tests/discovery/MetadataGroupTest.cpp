@@ -1,4 +1,5 @@
 #include "CConfig.h"
+#include "ChildProcess.h"
 #include "MetadataComputerName.h"
 #include "MetadataDescription.h"
 #include "MetadataGroup.h"
@@ -140,4 +141,11 @@ TEST(MetadataGroupTest, ConfigGroupWithThreeIdentityProvidersGivesTheirFragments
     EXPECT_EQ(xml, "<cpp:Config><Description>D</Description><TimeZone>T</TimeZone>"
                    "<ComputerName>C</ComputerName></cpp:Config>");
     EXPECT_TRUE(group->IsChanged());
+}
+
+TEST(MetadataGroupTest, EmptyProviderPointerIsFatalOnceUsed)
+{
+    SmartPtr<MetadataGroup> group(new MetadataGroup("g"));
+    group->Add(SmartPtr<IMetadata>());
+    EXPECT_FATAL_SILENT(group->Refresh());
 }
