@@ -11,12 +11,6 @@ function(kiv_strict_warnings target)
         -Wcast-align -Wformat=2 -Wnull-dereference -Wimplicit-fallthrough)
 endfunction()
 
-# Large-file interfaces everywhere: on 32-bit ARM without them, readdir and
-# stat fail with EOVERFLOW on file systems whose inode numbers or sizes pass
-# 32 bits. time_t keeps its width; the library's own numbers keep the widths
-# their interfaces declare (Seek still uses the low 32 bits of its offset).
-add_compile_definitions(_FILE_OFFSET_BITS=64)
-
 if(KIV_SANITIZE)
     if(KIV_SANITIZE STREQUAL "address,undefined" OR KIV_SANITIZE STREQUAL "undefined,address")
         set(_kiv_sanitize_flags -fsanitize=address,undefined -fno-sanitize-recover=undefined)
