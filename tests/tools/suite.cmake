@@ -7,3 +7,10 @@ if(TARGET statuscollector_tests)
     target_compile_definitions(statuscollector_tests PRIVATE
         KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>")
 endif()
+
+kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient)
+if(TARGET discovery_check_tests)
+    add_dependencies(discovery_check_tests discovery-check)
+    target_compile_definitions(discovery_check_tests PRIVATE
+        KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>")
+endif()
