@@ -1,3 +1,8 @@
+// 32-bit programs under qemu-arm get the 64-bit directory offsets of the
+// host kernel; without large-file readdir glibc fails on them (EOVERFLOW) and
+// the listing comes back empty.
+#define _FILE_OFFSET_BITS 64
+
 #include "DirectoryListing.h"
 
 #include <algorithm>
