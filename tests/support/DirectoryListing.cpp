@@ -14,7 +14,9 @@ std::vector<std::string> ListDirectory(const std::string& directory)
 {
     std::vector<std::string> names;
     if (DIR* listing = opendir(directory.c_str())) {
-        while (const struct dirent* entry = readdir(listing)) {
+        // The 64-bit entry: a 32-bit build must not stop at directory offsets
+        // beyond 32 bits (ext4 hands them out to 64-bit callers such as qemu-arm).
+        while (const struct dirent64* entry = readdir64(listing)) {
             std::string name = entry->d_name;
             if (name != "." && name != "..")
                 names.push_back(name);

@@ -53,7 +53,9 @@ bool DrmOutputScanner::Scan(std::vector<CollectedStatus::Output>& outputs, std::
     }
     std::vector<std::string> connectors;
     errno = 0;
-    while (const struct dirent* entry = readdir(listing)) {
+    // The 64-bit entry: a 32-bit build must not stop at directory offsets
+    // beyond 32 bits (ext4 hands them out to 64-bit callers such as qemu-arm).
+    while (const struct dirent64* entry = readdir64(listing)) {
         if (IsConnectorName(entry->d_name))
             connectors.emplace_back(entry->d_name);
         errno = 0;
