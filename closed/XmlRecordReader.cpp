@@ -111,7 +111,12 @@ void XmlRecordReader::FailWithoutPosition(const std::string& description)
 
 void XmlRecordReader::FailAtOffset(size_t offset, const std::string& description)
 {
-    Record(offset, path + ":" + Location(offset) + ": " + description);
+    // Once the list is full, positions are not worth computing: a file of
+    // many thousand faults on one long line would take minutes.
+    if (errors.size() >= kMaximumMessages)
+        Record(offset, std::string());
+    else
+        Record(offset, path + ":" + Location(offset) + ": " + description);
 }
 
 void XmlRecordReader::Fail(pugi::xml_node node, const std::string& description)
@@ -150,11 +155,21 @@ std::string XmlRecordReader::Location(size_t offset)
     size_t line = static_cast<size_t>(after - lineStarts.begin());
     size_t lineStart = *(after - 1);
     // Columns count characters, not bytes: continuation bytes do not advance.
+    // Faults come mostly in file order, so counting resumes from the last
+    // position asked for when it lies earlier on the same line.
     size_t column = 1;
-    for (size_t index = lineStart; index < offset; ++index) {
+    size_t from = lineStart;
+    if (lastLineStart == lineStart && lastOffset <= offset) {
+        column = lastColumn;
+        from = lastOffset;
+    }
+    for (size_t index = from; index < offset; ++index) {
         if ((static_cast<unsigned char>(content[index]) & 0xC0u) != 0x80u)
             ++column;
     }
+    lastLineStart = lineStart;
+    lastOffset = offset;
+    lastColumn = column;
     return std::to_string(line) + ":" + std::to_string(column);
 }
 
@@ -307,6 +322,8 @@ pugi::xml_node XmlRecordReader::SingleChild(pugi::xml_node parent, const char* n
     if (!first)
         return first;
     for (pugi::xml_node again = first.next_sibling(name); again; again = again.next_sibling(name)) {
+        if (errors.size() > kMaximumMessages)
+            break;
         Fail(again, std::string("element ") + name + " of " + parent.name() + " is given twice (first at " +
                         Location(OffsetOf(first)) + ")");
     }

@@ -102,6 +102,10 @@ private:
     size_t maximumTextBytes;
     std::string content;
     std::vector<size_t> lineStarts;
+    /// The last position that Location computed, to resume counting from.
+    size_t lastLineStart = SIZE_MAX;
+    size_t lastOffset = 0;
+    size_t lastColumn = 1;
     pugi::xml_document document;
     /// The faults with the offsets they were found at, for sorting.
     std::vector<std::pair<size_t, std::string>> errors;

@@ -529,3 +529,15 @@ TEST_F(CConfigTest, SampleFaultsAreReportedWithFileLineAndColumn)
         ExpectDefaults();
     }
 }
+
+TEST_F(CConfigTest, AtMostAHundredFaultsAreListedThenOneLineSaysMoreWereLeftOut)
+{
+    std::string body;
+    for (int index = 0; index < 5000; ++index)
+        body += "<timeZone>a</timeZone>";
+    EXPECT_FALSE(Load(Configuration(body)));
+    ASSERT_EQ(config.ErrorMessages().size(), 101u);
+    EXPECT_EQ(config.ErrorMessages()[0], File() + ":3:23: element timeZone of configuration is given twice (first at 3:1)");
+    EXPECT_EQ(config.ErrorMessages()[99], File() + ":3:2201: element timeZone of configuration is given twice (first at 3:1)");
+    EXPECT_EQ(config.ErrorMessages()[100], File() + ": further faults are not listed");
+}
