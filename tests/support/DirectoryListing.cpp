@@ -14,9 +14,7 @@ std::vector<std::string> ListDirectory(const std::string& directory)
 {
     std::vector<std::string> names;
     if (DIR* listing = opendir(directory.c_str())) {
-        // The 64-bit entry: a 32-bit build must not stop at directory offsets
-        // beyond 32 bits (ext4 hands them out to 64-bit callers such as qemu-arm).
-        while (const struct dirent64* entry = readdir64(listing)) {
+        while (const struct dirent* entry = readdir(listing)) {
             std::string name = entry->d_name;
             if (name != "." && name != "..")
                 names.push_back(name);

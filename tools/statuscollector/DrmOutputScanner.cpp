@@ -53,9 +53,7 @@ bool DrmOutputScanner::Scan(std::vector<CollectedStatus::Output>& outputs, std::
     }
     std::vector<std::string> connectors;
     errno = 0;
-    // The 64-bit entry: a 32-bit build must not stop at directory offsets
-    // beyond 32 bits (ext4 hands them out to 64-bit callers such as qemu-arm).
-    while (const struct dirent64* entry = readdir64(listing)) {
+    while (const struct dirent* entry = readdir(listing)) {
         if (IsConnectorName(entry->d_name))
             connectors.emplace_back(entry->d_name);
         errno = 0;
