@@ -1,0 +1,33 @@
+// ClockBase.h - the portable part of every stopwatch clock: the coarser
+// units, computed from the elapsed nanoseconds that the concrete clock reads.
+//
+// A concrete clock (ClockGetTimeClock) derives from it and implements
+// GetElapsedNanoseconds only. Each coarser operation reads the clock once, so
+// it is as safe from several threads as the concrete clock's read.
+//
+//   class ClockGetTimeClock : public ClockBase { ... };
+//   std::int64_t ms = clock->GetElapsedMilliseconds();   // ns / 1 000 000
+#ifndef KIVPLR_CLOCKBASE_H
+#define KIVPLR_CLOCKBASE_H
+
+#include "IClock.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class ClockBase : private Object, public IClock
+{
+public:
+    /// GetElapsedNanoseconds() / 1 000.
+    std::int64_t GetElapsedMicroseconds() override;
+    /// GetElapsedNanoseconds() / 1 000 000.
+    std::int64_t GetElapsedMilliseconds() override;
+    /// GetElapsedNanoseconds() / 1 000 000 000.
+    std::int64_t GetElapsedSeconds() override;
+    /// TimeDuration::Nanoseconds(GetElapsedNanoseconds()).
+    TimeDuration GetElapsedTime() override;
+};
+
+} // namespace KivPlr
+
+#endif

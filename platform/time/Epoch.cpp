@@ -1,0 +1,11 @@
+#include "Epoch.h"
+
+namespace KivPlr {
+
+Epoch::Epoch() : Date()
+{
+}
+
+Epoch::~Epoch() = default;
+
+} // namespace KivPlr
