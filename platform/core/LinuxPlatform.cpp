@@ -1,6 +1,8 @@
 #include "LinuxPlatform.h"
 
+#include "ClockGetTimeClock.h"
 #include "FileManager.h"
+#include "LinuxSystemClock.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
 #include "PosixCurrentTimespec.h"
@@ -60,12 +62,16 @@ IThread* LinuxPlatform::CreateThread()
 
 IClock* LinuxPlatform::CreateClock()
 {
-    return nullptr;  // ClockGetTimeClock is wired here when the time area delivers it.
+    // The stopwatch reads the monotonic clock: setting the system time must
+    // not make elapsed times jump. Its lock comes through our own slot.
+    SmartPtr<ILock> lock(CreateLock());
+    SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
+    return new ClockGetTimeClock(lock, provider);
 }
 
 ISystemClock* LinuxPlatform::CreateSystemClock()
 {
-    return nullptr;  // LinuxSystemClock is wired here when the time area delivers it.
+    return new LinuxSystemClock;
 }
 
 IFileManager* LinuxPlatform::CreateFileManager()

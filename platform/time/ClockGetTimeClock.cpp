@@ -4,7 +4,7 @@
 
 namespace KivPlr {
 
-ClockGetTimeClock::ClockGetTimeClock(const SmartPtr<IObject>& lock,
+ClockGetTimeClock::ClockGetTimeClock(const SmartPtr<ILock>& lock,
                                      const SmartPtr<IPosixTimespecProvider>& provider)
     : lock(lock), provider(provider), start()
 {
@@ -26,6 +26,16 @@ std::int64_t ClockGetTimeClock::GetElapsedNanoseconds()
 struct timespec ClockGetTimeClock::GetStartTime() const
 {
     return start;
+}
+
+ILock* ClockGetTimeClock::GetLock() const
+{
+    return lock.Get();
+}
+
+IPosixTimespecProvider* ClockGetTimeClock::GetProvider() const
+{
+    return provider.Get();
 }
 
 } // namespace KivPlr

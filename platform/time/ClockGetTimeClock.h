@@ -11,6 +11,7 @@
 #define KIVPLR_CLOCKGETTIMECLOCK_H
 
 #include "ClockBase.h"
+#include "ILock.h"
 #include "IPosixTimespecProvider.h"
 #include "SmartPtr.h"
 
@@ -27,7 +28,7 @@ public:
     /// ("SmartPtr<T>-> NULL reference"), and a failing read starts at 0. The
     /// lock is held for the life of the clock; no operation needs to take it,
     /// because nothing changes after construction.
-    ClockGetTimeClock(const SmartPtr<IObject>& lock, const SmartPtr<IPosixTimespecProvider>& provider);
+    ClockGetTimeClock(const SmartPtr<ILock>& lock, const SmartPtr<IPosixTimespecProvider>& provider);
 
     /// (s - s0) widened to 64 bits x 1 000 000 000 + (ns - ns0), where (s, ns)
     /// is the provider's current time and (s0, ns0) the start time; the
@@ -37,9 +38,12 @@ public:
 
     /// The time read at construction.
     struct timespec GetStartTime() const;
+    /// The lock and the provider given at construction (not referenced again).
+    ILock* GetLock() const;
+    IPosixTimespecProvider* GetProvider() const;
 
 private:
-    SmartPtr<IObject> lock;
+    SmartPtr<ILock> lock;
     SmartPtr<IPosixTimespecProvider> provider;
     struct timespec start;
 };

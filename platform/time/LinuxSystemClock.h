@@ -40,7 +40,8 @@ public:
     /// Epoch() + TimeDuration(0, 0, tv_sec, tv_usec x 1000): the date and the
     /// time of day (0 to 24 h). Whole days are split off before the
     /// nanoseconds are counted, so times past 2262 (beyond a 64-bit count of
-    /// nanoseconds since 1970) come out right on a 64-bit time_t too.
+    /// nanoseconds since 1970) come out right on a 64-bit time_t too, up to
+    /// the last day number a Date holds (2^31 - 1 days, year 5 881 580).
     static TimePoint FromTimeval(const struct timeval& tv);
 };
 

@@ -1,9 +1,12 @@
+#include "ClockGetTimeClock.h"
 #include "FakeTimespecOffsetCalculator.h"
 #include "FileManager.h"
 #include "ISemaphore.h"
 #include "ISharedLock.h"
 #include "IThread.h"
 #include "LinuxPlatform.h"
+#include "LinuxSystemClock.h"
+#include "PosixCurrentTimespec.h"
 #include "PosixLock.h"
 #include "PosixSemaphore.h"
 #include "PosixSharedLock.h"
@@ -152,6 +155,51 @@ TEST_F(LinuxPlatformTest, TwoThreadsShareNoHelper)
     EXPECT_EQ(a->GetObserver()->GetReferenceCount(), 1u);
     EXPECT_EQ(a->GetPriorityConverter()->GetReferenceCount(), 1u);
     EXPECT_EQ(a->GetResultConverter()->GetReferenceCount(), 1u);
+}
+
+TEST_F(LinuxPlatformTest, CreateClockReturnsANewClockGetTimeClockWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<ClockGetTimeClock>(*platform, &IPlatform::CreateClock);
+}
+
+TEST_F(LinuxPlatformTest, CreateSystemClockReturnsANewLinuxSystemClockWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<LinuxSystemClock>(*platform, &IPlatform::CreateSystemClock);
+}
+
+TEST_F(LinuxPlatformTest, TwoClocksShareNoHelperAndEachReadsTheMonotonicClock)
+{
+    SmartPtr<IClock> first(platform->CreateClock());
+    SmartPtr<IClock> second(platform->CreateClock());
+    ClockGetTimeClock* a = As<ClockGetTimeClock>(first);
+    ClockGetTimeClock* b = As<ClockGetTimeClock>(second);
+    ASSERT_TRUE(a != nullptr && b != nullptr);
+    EXPECT_NE(a->GetLock(), b->GetLock());
+    EXPECT_NE(a->GetProvider(), b->GetProvider());
+    EXPECT_EQ(a->GetLock()->GetReferenceCount(), 1u);
+    EXPECT_EQ(a->GetProvider()->GetReferenceCount(), 1u);
+    EXPECT_NE(dynamic_cast<PosixLock*>(a->GetLock()), nullptr);
+    PosixCurrentTimespec* provider = dynamic_cast<PosixCurrentTimespec*>(a->GetProvider());
+    ASSERT_NE(provider, nullptr);
+    EXPECT_EQ(provider->GetClockId(), CLOCK_MONOTONIC);
+}
+
+TEST(LinuxPlatformClockTest, CreateClockTakesItsLockThroughTheCreateLockSlot)
+{
+    class CountingPlatform : public LinuxPlatform
+    {
+    public:
+        int locks = 0;
+        ILock* CreateLock() override
+        {
+            ++locks;
+            return LinuxPlatform::CreateLock();
+        }
+    };
+    CountingPlatform* counting = new CountingPlatform;
+    SmartPtr<IPlatform> owner(counting);
+    SmartPtr<IClock> clock(owner->CreateClock());
+    EXPECT_EQ(counting->locks, 1);
 }
 
 TEST(LinuxPlatformLadderTest, FillsTheLadderInItsFixedOrderAllMappedToZero)

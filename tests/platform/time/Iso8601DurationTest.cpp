@@ -17,18 +17,20 @@ Iso8601Duration Make(float years, float months, float weeks, float days, float h
 {
     Iso8601Duration duration;
     duration.SetPrecision(precision);
-    void (Iso8601Duration::*setters[])(float, _Result&) = {
-        &Iso8601Duration::SetYears, &Iso8601Duration::SetMonths,  &Iso8601Duration::SetWeeks,
-        &Iso8601Duration::SetDays,  &Iso8601Duration::SetHours,   &Iso8601Duration::SetMinutes,
-        &Iso8601Duration::SetSeconds};
-    float values[] = {years, months, weeks, days, hours, minutes, seconds};
-    for (int component = 0; component < 7; ++component) {
-        if (values[component] == 0.0f)
-            continue;
+    auto set = [&duration](void (Iso8601Duration::*setter)(float, _Result&), float value) {
+        if (value == 0.0f)
+            return;
         _Result result = ResultFail;
-        (duration.*setters[component])(values[component], result);
-        EXPECT_EQ(result, ResultPass) << component;
-    }
+        (duration.*setter)(value, result);
+        EXPECT_EQ(result, ResultPass) << value;
+    };
+    set(&Iso8601Duration::SetYears, years);
+    set(&Iso8601Duration::SetMonths, months);
+    set(&Iso8601Duration::SetWeeks, weeks);
+    set(&Iso8601Duration::SetDays, days);
+    set(&Iso8601Duration::SetHours, hours);
+    set(&Iso8601Duration::SetMinutes, minutes);
+    set(&Iso8601Duration::SetSeconds, seconds);
     return duration;
 }
 
