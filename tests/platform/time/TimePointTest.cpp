@@ -27,6 +27,15 @@ TimePoint At(std::int32_t dayNumber, std::int64_t secondsOfDay)
     return TimePoint(Date::FromDayNumber(dayNumber), TimeDuration(0, 0, secondsOfDay, 0));
 }
 
+// A whole second between 1970-01-01 and the end of 9999.
+TimePoint RandomWholeSecond(std::mt19937& random)
+{
+    std::uniform_int_distribution<std::int32_t> days(0, Date(9999, 12, 31).GetDayNumber());
+    std::uniform_int_distribution<std::int64_t> seconds(0, 86399);
+    std::int32_t day = days(random);
+    return At(day, seconds(random));
+}
+
 const char EpochText[] = "Thu Jan  1 00:00:00 1970\n";
 
 } // namespace
@@ -67,10 +76,8 @@ TEST(TimePointTest, TextHasTheAsctimeLayout)
 TEST(TimePointTest, TextEqualsGlibcAsctimeOfTheSameFields)
 {
     std::mt19937 random(1970);
-    std::uniform_int_distribution<std::int32_t> days(0, Date(9999, 12, 31).GetDayNumber());
-    std::uniform_int_distribution<std::int64_t> seconds(0, 86399);
     for (int sample = 0; sample < 10000; ++sample) {
-        TimePoint point = At(days(random), seconds(random));
+        TimePoint point = RandomWholeSecond(random);
         struct tm fields = point.ToTm();
         ASSERT_EQ(point.ToText(), GlibcAsctime(fields)) << point.GetDate().GetDayNumber();
     }
@@ -147,10 +154,8 @@ TEST(TimePointTest, ReadsTheFieldsAtTheirOffsets)
 TEST(TimePointTest, ReaderRoundTripsTheWriter)
 {
     std::mt19937 random(9999);
-    std::uniform_int_distribution<std::int32_t> days(0, Date(9999, 12, 31).GetDayNumber());
-    std::uniform_int_distribution<std::int64_t> seconds(0, 86399);
     for (int sample = 0; sample < 10000; ++sample) {
-        TimePoint point = At(days(random), seconds(random));
+        TimePoint point = RandomWholeSecond(random);
         std::string text = point.ToText();
         ASSERT_TRUE(TimePoint(text) == point) << text;
     }
