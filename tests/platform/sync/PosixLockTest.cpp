@@ -1,5 +1,5 @@
-#include "ChildProcess.h"
 #include "FakeTimespecOffsetCalculator.h"
+#include "FatalMessage.h"
 #include "PosixLock.h"
 #include "PosixResultPassFail.h"
 #include "RecordingResultConverter.h"
@@ -266,8 +266,8 @@ TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
-    EXPECT_FATAL_SILENT(lock->NotifyOne(result));
-    EXPECT_FATAL_SILENT(lock->NotifyAll(result));
+    EXPECT_FATAL_MESSAGE(lock->NotifyOne(result), L"SmartPtr<T>-> NULL reference");
+    EXPECT_FATAL_MESSAGE(lock->NotifyAll(result), L"SmartPtr<T>-> NULL reference");
 }
 
 TEST(PosixLockFatalTest, WaitWithoutAConverterIsFatal)
@@ -275,8 +275,8 @@ TEST(PosixLockFatalTest, WaitWithoutAConverterIsFatal)
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
-    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(result));
-    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(10, result));
+    EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(result), L"SmartPtr<T>-> NULL reference");
+    EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(10, result), L"SmartPtr<T>-> NULL reference");
 }
 
 TEST(PosixLockFatalTest, TimedWaitWithoutACalculatorIsFatal)
@@ -284,7 +284,7 @@ TEST(PosixLockFatalTest, TimedWaitWithoutACalculatorIsFatal)
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ILock> lock(new PosixLock(nullptr, converter.Get()));
     _Result result = ResultPass;
-    EXPECT_FATAL_SILENT(lock->Lock(); lock->Wait(10, result));
+    EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(10, result), L"SmartPtr<T>-> NULL reference");
 }
 
 TEST(PosixLockFatalTest, LockingWithoutHelpersNeedsNone)

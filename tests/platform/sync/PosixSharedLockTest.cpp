@@ -1,4 +1,4 @@
-#include "ChildProcess.h"
+#include "FatalMessage.h"
 #include "PosixSharedLock.h"
 #include "RecordingResultConverter.h"
 #include "SmartPtr.h"
@@ -136,8 +136,8 @@ TEST_F(PosixSharedLockTest, WritersNeverOverlapReadersOrOtherWriters)
 TEST(PosixSharedLockFatalTest, TryOperationsWithoutAConverterAreFatal)
 {
     SmartPtr<ISharedLock> lock(new PosixSharedLock(nullptr));
-    EXPECT_FATAL_SILENT(lock->TryReadLock());
-    EXPECT_FATAL_SILENT(lock->TryWriteLock());
+    EXPECT_FATAL_MESSAGE(lock->TryReadLock(), L"SmartPtr<T>-> NULL reference");
+    EXPECT_FATAL_MESSAGE(lock->TryWriteLock(), L"SmartPtr<T>-> NULL reference");
 }
 
 TEST(PosixSharedLockFatalTest, BlockingOperationsWithoutAConverterNeedNone)

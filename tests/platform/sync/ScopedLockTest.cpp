@@ -1,5 +1,5 @@
-#include "ChildProcess.h"
 #include "FakeTimespecOffsetCalculator.h"
+#include "FatalMessage.h"
 #include "PosixLock.h"
 #include "PosixResultPassFail.h"
 #include "RecordingLock.h"
@@ -98,5 +98,5 @@ TEST(ScopedLockTest, KeepsTheLockAliveWhileHeld)
 TEST(ScopedLockTest, AnEmptyLockIsFatal)
 {
     SmartPtr<ILock> empty;
-    EXPECT_FATAL_SILENT(ScopedLock hold(empty));
+    EXPECT_FATAL_MESSAGE(ScopedLock hold(empty), L"SmartPtr<T>-> NULL reference");
 }
