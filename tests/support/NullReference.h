@@ -1,20 +1,31 @@
-// NullReference.h - a reference bound to address 0, as a caller produces it
+// NullReference.h - references bound to address 0, as a caller produces them
 // by handing a null pointer to a reference parameter.
 //
 // Only for tests of the library's "NULL reference" checks; the optimiser
-// cannot see through it and the undefined-behaviour sanitizer is kept out of
-// the one dereference:
+// cannot see through them and the undefined-behaviour sanitizer is kept out
+// of the one dereference:
 //
 //   EXPECT_FATAL_SILENT(map->Convert(15, KivTest::NullReference<int>(), result));
 //
 // g++ drops the sanitizer attribute on function templates, so under
 // -fsanitize=undefined a call of the template is reported where it is bound.
-// Tests that run in the sanitizer lane define a plain function per type with
-// KIV_NULL_REFERENCE at namespace scope and pass its call straight as the
-// argument (a named reference bound to it would be reported too):
+// Tests that run in the sanitizer lane use one of the two forms below.
+//
+// A plain function per type, defined with KIV_NULL_REFERENCE at namespace
+// scope, whose call is passed straight as the argument (a named reference
+// bound to it would be reported too):
 //
 //   KIV_NULL_REFERENCE(NullResult, KivPlr::_Result)
 //   stream->Close(NullResult());   // must neither crash nor write anything
+//
+// Or WithNullReference, which makes the reference inside a function the
+// sanitizer leaves alone and hands it to test code as a parameter; passing
+// that parameter on binds nothing new, so any number of calls may use it:
+//
+//   KivTest::WithNullReference<_Result>([&](_Result& none) {
+//       thread->SetName(&name, none);
+//       thread->Yield(none);
+//   });
 #ifndef KIV_TESTS_NULLREFERENCE_H
 #define KIV_TESTS_NULLREFERENCE_H
 
@@ -26,6 +37,15 @@ __attribute__((no_sanitize("undefined"))) T& NullReference()
     T* pointer = nullptr;
     asm volatile("" : "+r"(pointer));
     return *pointer;
+}
+
+/// Calls \p use with a T& whose address is null.
+template <typename T, typename Use>
+__attribute__((noinline, no_sanitize("undefined"))) void WithNullReference(const Use& use)
+{
+    T* pointer = nullptr;
+    asm volatile("" : "+r"(pointer));
+    use(*pointer);
 }
 
 } // namespace KivTest

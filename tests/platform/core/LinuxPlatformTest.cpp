@@ -297,11 +297,11 @@ TEST_F(LinuxPlatformTest, ThePosixCountersArePlainOnes)
 
 TEST(LinuxPlatformLifetimeTest, OwnsItsPosixObjectAloneAndReleasesItWhenDestroyed)
 {
-    LinuxPlatform* made = new LinuxPlatform;
-    EXPECT_EQ(static_cast<IPlatform*>(made)->GetReferenceCount(), 0u);
+    IPlatform* made = new LinuxPlatform;
+    EXPECT_EQ(made->GetReferenceCount(), 0u);
     SmartPtr<IPlatform> platform(made);
-    EXPECT_EQ(made->GetPosix()->GetReferenceCount(), 1u);
-    SmartPtr<IPosix> posix(made->GetPosix());
+    SmartPtr<IPosix> posix(As<LinuxPlatform>(platform)->GetPosix());
+    EXPECT_EQ(posix->GetReferenceCount(), 2u);
     platform.Reset();
     EXPECT_EQ(posix->GetReferenceCount(), 1u);
 }

@@ -75,15 +75,17 @@ TEST(PosixThreadPriorityMapTest, ANullPriorityReferenceIsFatal)
 {
     SmartPtr<PosixThreadPriorityMap> map = MapOf15To0And8To3();
     _Result result = ResultPass;
-    EXPECT_FATAL_MESSAGE(map->Convert(15, KivTest::NullReference<int>(), result),
-                         L"PosixThreadPriorityMap: int& nPosixPriority NULL reference");
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<int>([&](int& none) { map->Convert(15, none, result); }),
+        L"PosixThreadPriorityMap: int& nPosixPriority NULL reference");
 }
 
 TEST(PosixThreadPriorityMapTest, ANullResultReferenceIsFatal)
 {
     SmartPtr<PosixThreadPriorityMap> map = MapOf15To0And8To3();
     int posixPriority = 0;
-    EXPECT_FATAL_MESSAGE(map->Convert(15, posixPriority, KivTest::NullReference<_Result>()),
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>(
+                             [&](_Result& none) { map->Convert(15, posixPriority, none); }),
                          L"PosixThreadPriorityMap: Result& result NULL reference");
 }
 
@@ -94,7 +96,7 @@ TEST(PosixThreadPriorityMapTest, AMismatchedFatalMessageWouldBeNoticed)
     _Result result = ResultPass;
     KivTest::ChildOutcome outcome = KivTest::RunInChild([&] {
         KivTest::ExpectFatalMessageAtExit(L"PosixThreadPriorityMap: something else");
-        map->Convert(15, KivTest::NullReference<int>(), result);
+        KivTest::WithNullReference<int>([&](int& none) { map->Convert(15, none, result); });
     });
     EXPECT_SILENT_EXIT(outcome, 2);
 }

@@ -10,7 +10,6 @@
 #include <vector>
 
 using namespace KivPlr;
-using KivTest::NullReference;
 
 namespace {
 
@@ -227,13 +226,15 @@ TEST_F(ThreadBaseTest, WithoutAResultReferenceTheGuardedOperationsDoNothing)
     const std::wstring worker = L"worker";
     std::wstring name = L"untouched";
     std::int32_t priority = 99;
-    thread->SetName(&worker, NullReference<_Result>());
-    thread->SetPriority(7, NullReference<_Result>());
-    thread->GetName(&name, NullReference<_Result>());
-    thread->GetPriority(&priority, NullReference<_Result>());
-    StartIt();
-    thread->Yield(NullReference<_Result>());
-    thread->Cancel(NullReference<_Result>());
+    KivTest::WithNullReference<_Result>([&](_Result& none) {
+        thread->SetName(&worker, none);
+        thread->SetPriority(7, none);
+        thread->GetName(&name, none);
+        thread->GetPriority(&priority, none);
+        StartIt();
+        thread->Yield(none);
+        thread->Cancel(none);
+    });
     EXPECT_EQ(name, L"untouched");
     EXPECT_EQ(priority, 99);
     EXPECT_TRUE(probe->calls.empty());
