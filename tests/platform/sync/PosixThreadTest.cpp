@@ -125,8 +125,14 @@ protected:
     SmartPtr<RecordingObserver> observer{new RecordingObserver(log)};
     SmartPtr<RecordingPriorityMap> priorities{new RecordingPriorityMap};
     SmartPtr<IResultConverter> converter{new PosixResultPassFail};
+    sem_t release;  // what StartBlocked's bodies wait for
 
-    PosixThreadTest() { LinuxPlatform::FillPriorityLadder(*priorities); }
+    PosixThreadTest()
+    {
+        LinuxPlatform::FillPriorityLadder(*priorities);
+        sem_init(&release, 0, 0);
+    }
+    ~PosixThreadTest() override { sem_destroy(&release); }
 
     SmartPtr<IThread> NewThread(std::uint32_t stackSize = 0)
     {
@@ -134,17 +140,45 @@ protected:
             new PosixThread(observer.Get(), priorities.Get(), converter.Get(), stackSize));
     }
 
-    // Starts a thread at \p priority that records what it sees, and joins it.
-    Inside RunAt(std::int32_t priority)
+    // Starts \p thread with a body that records what it sees, joins it, and
+    // returns what the body saw.
+    Inside RunAndJoin(IThread& thread, EventLog* bodyLog = nullptr)
     {
         Inside inside;
+        inside.log = bodyLog;
+        _Result result = ResultFail;
+        EXPECT_TRUE(thread.Start(&RecordSchedulingAndStack, &inside, result));
+        EXPECT_EQ(result, ResultPass);
+        EXPECT_TRUE(thread.Join());
+        return inside;
+    }
+
+    // Runs a new thread at platform priority \p priority.
+    Inside RunAt(std::int32_t priority)
+    {
         SmartPtr<IThread> thread = NewThread();
         _Result result = ResultFail;
         thread->SetPriority(priority, result);
-        EXPECT_TRUE(thread->Start(&RecordSchedulingAndStack, &inside, result));
-        EXPECT_EQ(result, ResultPass);
-        EXPECT_TRUE(thread->Join());
-        return inside;
+        return RunAndJoin(*thread);
+    }
+
+    // Starts a new thread whose body waits until \p release is posted.
+    SmartPtr<IThread> StartBlocked()
+    {
+        SmartPtr<IThread> thread = NewThread();
+        _Result result = ResultFail;
+        EXPECT_TRUE(thread->Start(&WaitOnSemaphore, &release, result));
+        return thread;
+    }
+
+    // What a thread made by pthread_create with default attributes sees.
+    static Inside RunPlainThread()
+    {
+        Inside plain;
+        pthread_t other;
+        if (pthread_create(&other, nullptr, &RecordStackOfAPlainThread, &plain) == 0)
+            pthread_join(other, nullptr);
+        return plain;
     }
 
     // The default attributes' scheduling priority.
@@ -170,25 +204,17 @@ TEST_F(PosixThreadTest, NewThreadHasCountZero)
 
 TEST_F(PosixThreadTest, StartRunsTheBodyOnceWithItsArgumentAndJoinWaitsForIt)
 {
-    Inside inside;
-    inside.log = &log;
     SmartPtr<IThread> thread = NewThread();
-    _Result result = ResultFail;
-    EXPECT_TRUE(thread->Start(&RecordSchedulingAndStack, &inside, result));
-    EXPECT_EQ(result, ResultPass);
-    EXPECT_TRUE(thread->Join());
+    Inside inside = RunAndJoin(*thread, &log);
     std::vector<std::string> events = log.Events();
     EXPECT_EQ(std::count(events.begin(), events.end(), "body"), 1);
+    EXPECT_EQ(inside.policy, SCHED_OTHER);  // the body ran and wrote its argument
 }
 
 TEST_F(PosixThreadTest, ObserverHearsOneCallBeforeAndOneAfterTheBody)
 {
-    Inside inside;
-    inside.log = &log;
     SmartPtr<IThread> thread = NewThread();
-    _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&RecordSchedulingAndStack, &inside, result));
-    ASSERT_TRUE(thread->Join());
+    RunAndJoin(*thread, &log);
     EXPECT_EQ(log.Events(), (std::vector<std::string>{"starting", "body", "finished"}));
     EXPECT_EQ(observer->startingThread.load(), thread.Get());
 }
@@ -215,19 +241,12 @@ TEST_F(PosixThreadTest, AnUnmappedPriorityStillStartsWithTheDefaultAttributesPri
 
 TEST_F(PosixThreadTest, AStackSizeIsApplied)
 {
-    Inside plain;
-    pthread_t other;
-    ASSERT_EQ(pthread_create(&other, nullptr, &RecordStackOfAPlainThread, &plain), 0);
-    pthread_join(other, nullptr);
+    Inside plain = RunPlainThread();
     constexpr std::uint32_t requested = 1024u * 1024u;
     if (plain.stackSize <= requested)
         GTEST_SKIP() << "the default stack (" << plain.stackSize << " bytes) is not above 1 MiB";
-
-    Inside inside;
     SmartPtr<IThread> thread = NewThread(requested);
-    _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&RecordSchedulingAndStack, &inside, result));
-    ASSERT_TRUE(thread->Join());
+    Inside inside = RunAndJoin(*thread);
     // The system may round up (or reuse a cached stack of a similar size),
     // but never gives less, and this size is well below the default.
     EXPECT_GE(inside.stackSize, requested);
@@ -236,56 +255,38 @@ TEST_F(PosixThreadTest, AStackSizeIsApplied)
 
 TEST_F(PosixThreadTest, StackSizeZeroLeavesTheSystemDefault)
 {
-    Inside plain;
-    pthread_t other;
-    ASSERT_EQ(pthread_create(&other, nullptr, &RecordStackOfAPlainThread, &plain), 0);
-    pthread_join(other, nullptr);
-
-    Inside inside;
+    Inside plain = RunPlainThread();
     SmartPtr<IThread> thread = NewThread(0);
-    _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&RecordSchedulingAndStack, &inside, result));
-    ASSERT_TRUE(thread->Join());
+    Inside inside = RunAndJoin(*thread);
+    EXPECT_NE(plain.stackSize, 0u);
     EXPECT_EQ(inside.stackSize, plain.stackSize);
 }
 
 TEST_F(PosixThreadTest, CancelStopsABlockedThreadAndTheObserverStillHearsTheEnd)
 {
-    sem_t never;
-    sem_init(&never, 0, 0);
-    SmartPtr<IThread> thread = NewThread();
+    SmartPtr<IThread> thread = StartBlocked();
     _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&WaitOnSemaphore, &never, result));
     thread->Cancel(result);
     EXPECT_EQ(result, ResultPass);
     EXPECT_TRUE(thread->Join());
-    sem_destroy(&never);
     EXPECT_EQ(log.Events(), (std::vector<std::string>{"starting", "finished"}));
 }
 
 TEST_F(PosixThreadTest, YieldOfAStartedThreadSucceeds)
 {
-    sem_t release;
-    sem_init(&release, 0, 0);
-    SmartPtr<IThread> thread = NewThread();
+    SmartPtr<IThread> thread = StartBlocked();
     _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&WaitOnSemaphore, &release, result));
-    result = ResultFail;
     thread->Yield(result);
     EXPECT_EQ(result, ResultPass);
     sem_post(&release);
     EXPECT_TRUE(thread->Join());
-    sem_destroy(&release);
 }
 
 TEST_F(PosixThreadTest, NameAndPriorityAfterTheStartReportAlreadyStarted)
 {
-    sem_t release;
-    sem_init(&release, 0, 0);
-    SmartPtr<IThread> thread = NewThread();
-    _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&WaitOnSemaphore, &release, result));
+    SmartPtr<IThread> thread = StartBlocked();
     const std::wstring name = L"late";
+    _Result result = ResultFail;
     thread->SetName(&name, result);
     EXPECT_EQ(result, ResultAlreadyStarted);
     result = ResultFail;
@@ -293,7 +294,6 @@ TEST_F(PosixThreadTest, NameAndPriorityAfterTheStartReportAlreadyStarted)
     EXPECT_EQ(result, ResultAlreadyStarted);
     sem_post(&release);
     EXPECT_TRUE(thread->Join());
-    sem_destroy(&release);
 }
 
 TEST_F(PosixThreadTest, MissingOutValuesReportBadArgument)
@@ -309,28 +309,16 @@ TEST_F(PosixThreadTest, MissingOutValuesReportBadArgument)
 
 TEST_F(PosixThreadTest, AJoinedThreadCanBeStartedAgain)
 {
-    Inside first;
-    Inside second;
-    first.log = &log;
-    second.log = &log;
     SmartPtr<IThread> thread = NewThread();
-    _Result result = ResultFail;
-    ASSERT_TRUE(thread->Start(&RecordSchedulingAndStack, &first, result));
-    ASSERT_TRUE(thread->Join());
-    ASSERT_TRUE(thread->Start(&RecordSchedulingAndStack, &second, result));
-    ASSERT_TRUE(thread->Join());
-    EXPECT_EQ(log.Events().size(), 6u);
+    RunAndJoin(*thread, &log);
+    RunAndJoin(*thread, &log);
+    EXPECT_EQ(log.Events(), (std::vector<std::string>{"starting", "body", "finished", "starting",
+                                                      "body", "finished"}));
 }
 
 TEST_F(PosixThreadTest, ARunningThreadKeepsItsObjectUntilTheBodyHasEnded)
 {
-    sem_t release;
-    sem_init(&release, 0, 0);
-    {
-        SmartPtr<IThread> thread = NewThread();
-        _Result result = ResultFail;
-        ASSERT_TRUE(thread->Start(&WaitOnSemaphore, &release, result));
-    }  // the last outside reference goes while the body still waits
+    StartBlocked();  // the last outside reference goes while the body still waits
     sem_post(&release);
     // The thread object, and with it its reference on the observer, goes
     // once the thread has finished on its own.
@@ -340,7 +328,6 @@ TEST_F(PosixThreadTest, ARunningThreadKeepsItsObjectUntilTheBodyHasEnded)
     EXPECT_EQ(observer->GetReferenceCount(), 1u);
     EXPECT_EQ(observer->countAtFinish.load(), 1u);
     EXPECT_EQ(log.Events(), (std::vector<std::string>{"starting", "finished"}));
-    sem_destroy(&release);
 }
 
 TEST_F(PosixThreadTest, StartWithoutAResultConverterIsFatal)
