@@ -1,0 +1,32 @@
+// IDirectoryPosition.h - the handle of one directory enumeration, from
+// IDirectoryManager::FindFirst to FindRelease.
+//
+// The directory manager makes it and hands it out through SmartPtr; the
+// caller passes it back to FindNext and FindRelease:
+//
+//   SmartPtr<IDirectoryPosition> position;
+//   std::string name;
+//   directories->FindFirst(Path("/var/lib"), position, name, result);
+//   while (Succeeded(result)) { ...; directories->FindNext(position, name, result); }
+//   directories->FindRelease(position, result);
+//
+// One enumeration serves one thread at a time.
+#ifndef KIVPLR_IDIRECTORYPOSITION_H
+#define KIVPLR_IDIRECTORYPOSITION_H
+
+#include "IObject.h"
+#include "Path.h"
+
+namespace KivPlr {
+
+class IDirectoryPosition : public virtual IObject
+{
+public:
+    /// Copies the path of the enumerated directory (absolute, as it was
+    /// opened) into \p path; 200.
+    virtual void GetPath(Path& path, _Result& result) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,780 @@
+#include "ChildProcess.h"
+#include "DirectoryReading.h"
+#include "DirectoryManager.h"
+#include "Emulation.h"
+#include "LinuxDirectoryPosition.h"
+#include "MountNamespace.h"
+#include "NullReference.h"
+#include "OpenDescriptors.h"
+#include "SmartPtr.h"
+#include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <dirent.h>
+#include <fcntl.h>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace KivPlr;
+using KivTest::ChildOutcome;
+using KivTest::DescriptorsOpenOn;
+using KivTest::MountNamespace;
+using KivTest::RunInChild;
+using KivTest::TemporaryDirectory;
+using KivTest::WorkingDirectoryGuard;
+using KivTest::WriteFile;
+
+namespace {
+
+KIV_NULL_REFERENCE(NullResult, _Result)
+KIV_NULL_REFERENCE(NullNames, std::vector<std::string>)
+KIV_NULL_REFERENCE(NullName, std::string)
+KIV_NULL_REFERENCE(NullPosition, SmartPtr<IDirectoryPosition>)
+KIV_NULL_REFERENCE(NullPath, Path)
+
+typedef std::set<std::string> Names;
+
+bool Exists(const std::string& path)
+{
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+mode_t CurrentUmask()
+{
+    mode_t mask = umask(022);
+    umask(mask);
+    return mask;
+}
+
+std::string CurrentDirectory()
+{
+    char buffer[PATH_MAX];
+    return getcwd(buffer, sizeof buffer) != nullptr ? std::string(buffer) : std::string();
+}
+
+// The entry names of \p directory in the order readdir gives them.
+std::vector<std::string> ReaddirOrder(const std::string& directory)
+{
+    std::vector<std::string> names;
+    DIR* handle = opendir(directory.c_str());
+    if (handle == nullptr)
+        return names;
+    while (struct dirent* entry = readdir(handle)) {
+        std::string name = entry->d_name;
+        if (name != "." && name != "..")
+            names.push_back(name);
+    }
+    closedir(handle);
+    return names;
+}
+
+// Makes nested directories below \p base so that the deepest one's absolute
+// path is exactly \p length bytes long; returns that path ("" on failure).
+std::string MakeDirectoryOfLength(const std::string& base, std::size_t length)
+{
+    std::string path = base;
+    if (length < base.size() + 2)
+        return "";
+    int step = 0;
+    while (path.size() < length) {
+        std::size_t need = length - path.size(); // still to add, "/" included
+        std::size_t component = need <= 201 ? need - 1 : (need - 201 == 1 ? 199 : 200);
+        path += "/" + std::string(component, static_cast<char>('a' + step++ % 26));
+        if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST) // shared with a shorter one
+            return "";
+    }
+    return path;
+}
+
+class DirectoryManagerTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { canReadDirectories = KivTest::CanReadDirectory(directory.Path(), whyNot); }
+
+    std::string Sub(const std::string& name) const { return directory.Path() + "/" + name; }
+
+    // Every name an enumeration of \p path gives, through FindFirst, FindNext
+    // and FindRelease; \p released tells whether FindRelease succeeded.
+    Names Enumerate(const std::string& path, bool& released)
+    {
+        Names names;
+        SmartPtr<IDirectoryPosition> position;
+        std::string name;
+        _Result result = ResultFail;
+        released = false;
+        directories->FindFirst(Path(path), position, name, result);
+        for (int count = 0; result == ResultPass && count < 1000; ++count) {
+            names.insert(name);
+            directories->FindNext(position, name, result);
+        }
+        if (position) {
+            directories->FindRelease(position, result);
+            released = result == ResultPass && !position;
+        }
+        return names;
+    }
+
+    TemporaryDirectory directory;
+    SmartPtr<IDirectoryManager> directories{new DirectoryManager};
+    bool canReadDirectories = false;
+    std::string whyNot;
+};
+
+} // namespace
+
+// For the tests that enumerate directories of the test's own.
+#define SKIP_UNLESS_DIRECTORIES_CAN_BE_READ() \
+    if (!canReadDirectories)                  \
+    GTEST_SKIP() << whyNot
+
+TEST_F(DirectoryManagerTest, NewManagerHasCountZero)
+{
+    DirectoryManager* manager = new DirectoryManager;
+    IDirectoryManager* asInterface = manager;
+    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
+    SmartPtr<IDirectoryManager> owner(manager);
+}
+
+TEST_F(DirectoryManagerTest, CreateMakesDirectoryWithMode0774)
+{
+    _Result result = ResultFail;
+    directories->Create(Path(Sub("new")), result);
+    EXPECT_EQ(result, ResultPass);
+    struct stat status;
+    ASSERT_EQ(stat(Sub("new").c_str(), &status), 0);
+    EXPECT_TRUE(S_ISDIR(status.st_mode));
+    EXPECT_EQ(status.st_mode & 07777, 0774 & ~CurrentUmask());
+}
+
+TEST_F(DirectoryManagerTest, CreateOnExistingDirectoryFails)
+{
+    ASSERT_EQ(mkdir(Sub("old").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("old/keep"), "x"));
+    _Result result = ResultPass;
+    directories->Create(Path(Sub("old")), result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(Exists(Sub("old/keep")));
+}
+
+TEST_F(DirectoryManagerTest, CreateDoesNotMakeMissingParents)
+{
+    _Result result = ResultPass;
+    directories->Create(Path(Sub("missing/child")), result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_FALSE(Exists(Sub("missing")));
+}
+
+TEST_F(DirectoryManagerTest, RemoveWithoutRecursionRemovesEmptyDirectory)
+{
+    ASSERT_EQ(mkdir(Sub("empty").c_str(), 0755), 0);
+    _Result result = ResultFail;
+    directories->Remove(Path(Sub("empty")), false, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(Exists(Sub("empty")));
+}
+
+TEST_F(DirectoryManagerTest, RemoveWithoutRecursionOnNonEmptyDirectoryFails)
+{
+    ASSERT_EQ(mkdir(Sub("full").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("full/file"), "x"));
+    _Result result = ResultPass;
+    directories->Remove(Path(Sub("full")), false, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(Exists(Sub("full/file")));
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveDeletesTreeOfFilesAndDirectories)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    for (const char* folder : {"tree", "tree/a", "tree/a/b", "tree/a/b/c", "tree/empty", "tree/.hidden"})
+        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
+    for (const char* file : {"tree/f", "tree/a/f", "tree/a/b/f", "tree/a/b/c/f", "tree/.hidden/.f", "tree/a/g"})
+        ASSERT_TRUE(WriteFile(Sub(file), file));
+    ASSERT_EQ(chmod(Sub("tree/a/g").c_str(), 0444), 0);
+    _Result result = ResultFail;
+    directories->Remove(Path(Sub("tree")), true, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(Exists(Sub("tree")));
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveOfRelativePathUsesCurrentDirectory)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("tree").c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(Sub("tree/a").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("tree/a/f"), "x"));
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+    _Result result = ResultFail;
+    directories->Remove(Path("tree"), true, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(Exists(Sub("tree")));
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveLeavesSymbolicLinkAndTheDirectoryHoldingIt)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("tree").c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(Sub("tree/a").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("tree/f"), "x"));
+    ASSERT_TRUE(WriteFile(Sub("tree/a/f"), "x"));
+    ASSERT_TRUE(WriteFile(Sub("target"), "x"));
+    ASSERT_EQ(symlink(Sub("target").c_str(), Sub("tree/link").c_str()), 0);
+    _Result result = ResultPass;
+    directories->Remove(Path(Sub("tree")), true, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(Exists(Sub("tree/link")));
+    EXPECT_EQ(ReaddirOrder(Sub("tree")), std::vector<std::string>{"link"});
+    EXPECT_TRUE(Exists(Sub("target"))); // the link is not followed
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveStopsAtTheFirstSubdirectoryThatStays)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    // tree/a/b holds a link: b stays, so a stays, so tree stays. Inside b
+    // everything else goes; in a and tree, the entries that readdir gives
+    // before the failing directory go and the ones after it stay.
+    for (const char* folder : {"tree", "tree/a", "tree/a/b", "tree/a/c", "tree/d"})
+        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
+    for (const char* file : {"tree/f", "tree/a/f", "tree/a/b/f", "tree/a/c/f", "tree/d/f", "tree/a/b/g"})
+        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    ASSERT_EQ(symlink("nowhere", Sub("tree/a/b/link").c_str()), 0);
+    std::vector<std::string> treeOrder = ReaddirOrder(Sub("tree"));
+    std::vector<std::string> aOrder = ReaddirOrder(Sub("tree/a"));
+
+    _Result result = ResultPass;
+    directories->Remove(Path(Sub("tree")), true, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(ReaddirOrder(Sub("tree/a/b")), std::vector<std::string>{"link"});
+    for (const auto& level : {std::make_pair(std::string("tree"), treeOrder), std::make_pair(std::string("tree/a"), aOrder)}) {
+        const std::string failing = level.first == "tree" ? "a" : "b";
+        bool afterFailing = false;
+        for (const std::string& name : level.second) {
+            if (name == failing) {
+                afterFailing = true;
+                continue;
+            }
+            EXPECT_EQ(Exists(Sub(level.first + "/" + name)), afterFailing) << level.first << "/" << name;
+        }
+        EXPECT_TRUE(Exists(Sub(level.first + "/" + failing)));
+    }
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveLeavesFifosAndSockets)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("tree").c_str(), 0755), 0);
+    ASSERT_EQ(mkfifo(Sub("tree/fifo").c_str(), 0644), 0);
+    ASSERT_TRUE(WriteFile(Sub("tree/f"), "x"));
+    _Result result = ResultPass;
+    directories->Remove(Path(Sub("tree")), true, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(ReaddirOrder(Sub("tree")), std::vector<std::string>{"fifo"});
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveOfMissingDirectoryFails)
+{
+    _Result result = ResultPass;
+    directories->Remove(Path(Sub("missing")), true, result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(DirectoryManagerTest, ExistsForAnyKindOfFile)
+{
+    ASSERT_EQ(mkdir(Sub("folder").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    ASSERT_EQ(mkfifo(Sub("fifo").c_str(), 0644), 0);
+    ASSERT_EQ(symlink("nowhere", Sub("dangling").c_str()), 0);
+    const std::pair<std::string, _Result> cases[] = {
+        {Sub("folder"), ResultPass}, {Sub("file"), ResultPass},    {Sub("fifo"), ResultPass},
+        {"/dev/null", ResultPass},   {Sub("missing"), ResultFail}, {Sub("dangling"), ResultFail},
+    };
+    for (const auto& entry : cases) {
+        _Result result = 0;
+        directories->Exists(Path(entry.first), result);
+        EXPECT_EQ(result, entry.second) << entry.first;
+    }
+}
+
+TEST_F(DirectoryManagerTest, IsDirectoryTellsDirectoriesFromOtherFiles)
+{
+    ASSERT_EQ(mkdir(Sub("folder").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    ASSERT_EQ(symlink(Sub("folder").c_str(), Sub("link").c_str()), 0);
+    const std::pair<std::string, _Result> cases[] = {
+        {Sub("folder"), ResultPass}, {Sub("link"), ResultPass},     {Sub("file"), ResultFail},
+        {"/dev/null", ResultFail},   {Sub("missing"), ResultFail},
+    };
+    for (const auto& entry : cases) {
+        _Result result = 0;
+        directories->IsDirectory(Path(entry.first), result);
+        EXPECT_EQ(result, entry.second) << entry.first;
+    }
+}
+
+TEST_F(DirectoryManagerTest, FindEnumeratesEveryEntryIncludingDotAndDotDot)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(Sub("list/sub").c_str(), 0755), 0);
+    for (const char* file : {"list/a", "list/b", "list/.hidden"})
+        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    bool released = false;
+    EXPECT_EQ(Enumerate(Sub("list"), released), (Names{".", "..", "a", "b", ".hidden", "sub"}));
+    EXPECT_TRUE(released);
+}
+
+TEST_F(DirectoryManagerTest, FindWithTrailingSlashAsteriskEnumeratesTheSameDirectory)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("list/a"), "x"));
+    bool released = false;
+    Names bare = Enumerate(Sub("list"), released);
+    EXPECT_TRUE(released);
+    Names starred = Enumerate(Sub("list/*"), released);
+    EXPECT_TRUE(released);
+    EXPECT_EQ(bare, starred);
+    EXPECT_EQ(bare, (Names{".", "..", "a"}));
+    EXPECT_TRUE(Enumerate(Sub("list/a*"), released).empty()); // no other wildcard
+}
+
+TEST_F(DirectoryManagerTest, FindNextAfterTheEndKeepsFailingAndLeavesNameAlone)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    int more = 0;
+    while (result == ResultPass && more < 10) {
+        directories->FindNext(position, name, result);
+        ++more;
+    }
+    EXPECT_EQ(more, 2); // "." and ".." are all there is: one more, then the end
+    EXPECT_EQ(result, ResultFail);
+    name = "kept";
+    directories->FindNext(position, name, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(name, "kept");
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(position);
+}
+
+TEST_F(DirectoryManagerTest, FindFirstOfRelativePathReadsItAgainstCurrentDirectory)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("list/only"), "x"));
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+    bool released = false;
+    EXPECT_EQ(Enumerate("list", released), (Names{".", "..", "only"}));
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path("list/*"), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    Path stored;
+    position->GetPath(stored, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(std::string(stored.GetPath()), CurrentDirectory() + "/list/");
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST_F(DirectoryManagerTest, FindFirstOnMissingDirectoryFailsAndLeavesOutValuesAlone)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    IDirectoryPosition* held = position.Get();
+    name = "kept";
+    directories->FindFirst(Path(Sub("missing")), position, name, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(position.Get(), held);
+    EXPECT_EQ(name, "kept");
+    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    directories->FindFirst(Path(Sub("file")), position, name, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(position.Get(), held);
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST_F(DirectoryManagerTest, FindFirstReplacesAndReleasesTheHeldPosition)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    SmartPtr<IDirectoryPosition> watcher = position;
+    SmartPtr<IDirectoryPosition> closer = position;
+    directories->FindRelease(closer, result); // closes the stream; position still holds the object
+    ASSERT_EQ(result, ResultPass);
+    EXPECT_EQ(watcher->GetReferenceCount(), 2u);
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    EXPECT_NE(position.Get(), watcher.Get());
+    EXPECT_EQ(watcher->GetReferenceCount(), 1u);
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+TEST_F(DirectoryManagerTest, ReleasedEnumerationRefusesFurtherUseThroughOtherHolders)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    SmartPtr<IDirectoryPosition> other = position;
+    directories->FindRelease(position, result);
+    ASSERT_EQ(result, ResultPass);
+    name = "kept";
+    directories->FindNext(other, name, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(name, "kept");
+    directories->FindRelease(other, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(other); // kept on failure
+}
+
+TEST_F(DirectoryManagerTest, AbandonedEnumerationLeavesItsStreamOpen)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultFail;
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    void* raw = nullptr;
+    ASSERT_TRUE(position->QueryInterface(&LinuxDirectoryPosition::ClassId(), &raw, result));
+    DIR* handle = static_cast<LinuxDirectoryPosition*>(raw)->GetHandle();
+    ASSERT_NE(handle, nullptr);
+    ASSERT_EQ(DescriptorsOpenOn(Sub("list")).size(), 1u);
+    position.Reset(); // the position goes without FindRelease
+    EXPECT_EQ(DescriptorsOpenOn(Sub("list")).size(), 1u);
+    EXPECT_NE(fcntl(dirfd(handle), F_GETFD), -1);
+    closedir(handle); // the test's own clean-up of the leaked stream
+}
+
+TEST_F(DirectoryManagerTest, FindNextAndFindReleaseOnEmptyPositionAreFatal)
+{
+    SmartPtr<IDirectoryPosition> empty;
+    std::string name;
+    _Result result = ResultPass;
+    EXPECT_FATAL_SILENT(directories->FindNext(empty, name, result));
+    EXPECT_FATAL_SILENT(directories->FindRelease(empty, result));
+}
+
+TEST_F(DirectoryManagerTest, GetFilesAndGetDirectoriesSortTheCurrentDirectory)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    for (const char* folder : {"d1", "d2"})
+        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
+    for (const char* file : {"f1", "f2"})
+        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    ASSERT_EQ(mkfifo(Sub("fifo").c_str(), 0644), 0);
+    ASSERT_EQ(symlink("d1", Sub("link-to-d1").c_str()), 0);
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+
+    std::vector<std::string> folders;
+    _Result result = ResultFail;
+    directories->GetDirectories(Path("."), folders, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(Names(folders.begin(), folders.end()), (Names{".", "..", "d1", "d2", "link-to-d1"}));
+    EXPECT_EQ(folders.size(), 5u);
+
+    std::vector<std::string> files;
+    directories->GetFiles(Path(directory.Path()), files, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(Names(files.begin(), files.end()), (Names{"f1", "f2", "fifo"}));
+    EXPECT_EQ(DescriptorsOpenOn(directory.Path()).size(), 0u); // the enumeration was released
+}
+
+TEST_F(DirectoryManagerTest, ListingAnotherDirectoryClassifiesNamesInTheCurrentOne)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    // here: x is a directory, y a file. there: x a file, y and z directories.
+    ASSERT_EQ(mkdir(Sub("here").c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(Sub("here/x").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("here/y"), "x"));
+    ASSERT_EQ(mkdir(Sub("there").c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(Sub("there/x"), "x"));
+    ASSERT_EQ(mkdir(Sub("there/y").c_str(), 0755), 0);
+    ASSERT_EQ(mkdir(Sub("there/z").c_str(), 0755), 0);
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(Sub("here").c_str()), 0);
+
+    std::vector<std::string> folders;
+    _Result result = ResultFail;
+    directories->GetDirectories(Path(Sub("there")), folders, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(Names(folders.begin(), folders.end()), (Names{".", "..", "x"}));
+
+    std::vector<std::string> files;
+    directories->GetFiles(Path("../there"), files, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(Names(files.begin(), files.end()), (Names{"y", "z"}));
+}
+
+TEST_F(DirectoryManagerTest, ListsAppendToTheVectorWithoutClearingIt)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("only-folders").c_str(), 0755), 0);
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(Sub("only-folders").c_str()), 0);
+    std::vector<std::string> names;
+    _Result result = ResultPass;
+    directories->GetFiles(Path("."), names, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(names.empty());
+
+    names = {"earlier"};
+    directories->GetFiles(Path("."), names, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(names, std::vector<std::string>{"earlier"});
+
+    directories->GetDirectories(Path(Sub("missing")), names, result);
+    EXPECT_EQ(result, ResultPass); // the vector was not empty
+    directories->GetDirectories(Path("."), names, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(names.size(), 3u);
+    EXPECT_EQ(names[0], "earlier");
+
+    std::vector<std::string> empty;
+    directories->GetDirectories(Path(Sub("missing")), empty, result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(DirectoryManagerTest, ListsGrowTheVectorBeyondItsFirstReservation)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    for (int index = 0; index < 40; ++index)
+        ASSERT_TRUE(WriteFile(Sub("file" + std::to_string(index)), "x"));
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+    std::vector<std::string> names;
+    _Result result = ResultFail;
+    directories->GetFiles(Path("."), names, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(names.size(), 40u);
+    EXPECT_GE(names.capacity(), 40u);
+}
+
+TEST_F(DirectoryManagerTest, GetCurrentReportsTheWorkingDirectory)
+{
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+    std::string current;
+    _Result result = ResultFail;
+    directories->GetCurrent(current, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(current, CurrentDirectory());
+}
+
+TEST_F(DirectoryManagerTest, GetCurrentGrowsItsBufferUpTo1024Bytes)
+{
+    // Buffers of 256, 512 and 1024 bytes hold paths of up to 255, 511 and
+    // 1023 bytes: every length below 1024 is read, 1024 and beyond are not.
+    const std::pair<std::size_t, _Result> cases[] = {
+        {200, ResultPass},  {255, ResultPass},  {256, ResultPass},  {511, ResultPass},  {512, ResultPass},
+        {800, ResultPass},  {1023, ResultPass}, {1024, ResultFail}, {1025, ResultFail}, {1500, ResultFail},
+    };
+    std::string base = CurrentDirectory();
+    {
+        WorkingDirectoryGuard toRealPath;
+        ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+        base = CurrentDirectory(); // the temporary directory without symbolic links
+    }
+    ASSERT_LT(base.size(), 190u);
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.first);
+        std::string deep = MakeDirectoryOfLength(base, entry.first);
+        ASSERT_EQ(deep.size(), entry.first);
+        WorkingDirectoryGuard guard;
+        ASSERT_EQ(chdir(deep.c_str()), 0);
+        std::string current = "kept";
+        _Result result = 0;
+        directories->GetCurrent(current, result);
+        EXPECT_EQ(result, entry.second);
+        EXPECT_EQ(current, entry.second == ResultPass ? deep : std::string("kept"));
+    }
+}
+
+TEST_F(DirectoryManagerTest, GetCurrentFailsWhenTheWorkingDirectoryIsGone)
+{
+    ASSERT_EQ(mkdir(Sub("doomed").c_str(), 0755), 0);
+    WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(Sub("doomed").c_str()), 0);
+    ASSERT_EQ(rmdir(Sub("doomed").c_str()), 0);
+    std::string current = "kept";
+    _Result result = ResultPass;
+    directories->GetCurrent(current, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(current, "kept");
+}
+
+TEST_F(DirectoryManagerTest, SetCurrentChangesTheWorkingDirectory)
+{
+    WorkingDirectoryGuard guard;
+    _Result result = ResultFail;
+    directories->SetCurrent(Path(directory.Path()), result);
+    EXPECT_EQ(result, ResultPass);
+    std::string expected;
+    {
+        WorkingDirectoryGuard probe;
+        ASSERT_EQ(chdir(directory.Path().c_str()), 0);
+        expected = CurrentDirectory();
+    }
+    EXPECT_EQ(CurrentDirectory(), expected);
+}
+
+TEST_F(DirectoryManagerTest, SetCurrentToMissingDirectoryFailsAndStays)
+{
+    WorkingDirectoryGuard guard;
+    std::string before = CurrentDirectory();
+    _Result result = ResultPass;
+    directories->SetCurrent(Path(Sub("missing")), result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(CurrentDirectory(), before);
+    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    directories->SetCurrent(Path(Sub("file")), result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(DirectoryManagerTest, GetExecutablePathNamesTheRunningProgram)
+{
+    Path executable;
+    _Result result = ResultFail;
+    directories->GetExecutablePath(executable, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_TRUE(executable.IsAbsolute());
+    std::string file;
+    executable.GetFile(file);
+    EXPECT_EQ(file, "kivplr_io_tests");
+    struct stat status;
+    ASSERT_EQ(stat(executable.GetPath(), &status), 0);
+    EXPECT_TRUE(S_ISREG(status.st_mode));
+}
+
+TEST_F(DirectoryManagerTest, GetExecutablePathFailsWithoutProc)
+{
+    std::string reason;
+    if (!MountNamespace::Available(reason))
+        GTEST_SKIP() << reason;
+    ChildOutcome outcome = RunInChild([] {
+        std::string fault;
+        if (!MountNamespace::Enter(fault) || !MountNamespace::MountTmpfs("/proc", fault)) {
+            std::fputs(fault.c_str(), stderr);
+            _exit(2);
+        }
+        SmartPtr<IDirectoryManager> manager(new DirectoryManager);
+        Path executable("kept");
+        _Result result = ResultPass;
+        manager->GetExecutablePath(executable, result);
+        std::printf("%u %s", static_cast<unsigned>(result), executable.GetPath());
+    });
+    EXPECT_TRUE(outcome.exited && outcome.exitStatus == 0) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardOutput, "500 kept");
+}
+
+TEST_F(DirectoryManagerTest, ReservedOperationIsNotSupported)
+{
+    _Result result = ResultPass;
+    directories->Reserved1(result);
+    EXPECT_EQ(result, ResultNotSupported);
+}
+
+TEST_F(DirectoryManagerTest, NullResultReferenceDoesNothing)
+{
+    ASSERT_EQ(mkdir(Sub("keep").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    std::vector<std::string> names;
+    Path path;
+    WorkingDirectoryGuard guard;
+    directories->Create(Path(Sub("new")), NullResult());
+    directories->Remove(Path(Sub("keep")), true, NullResult());
+    directories->Remove(Path(Sub("keep")), false, NullResult());
+    directories->Exists(Path(Sub("keep")), NullResult());
+    directories->GetDirectories(Path(Sub("keep")), names, NullResult());
+    directories->GetFiles(Path(Sub("keep")), names, NullResult());
+    directories->FindFirst(Path(Sub("keep")), position, name, NullResult());
+    directories->IsDirectory(Path(Sub("keep")), NullResult());
+    directories->GetCurrent(name, NullResult());
+    directories->SetCurrent(Path(Sub("keep")), NullResult());
+    directories->GetExecutablePath(path, NullResult());
+    directories->Reserved1(NullResult());
+    EXPECT_FALSE(Exists(Sub("new")));
+    EXPECT_TRUE(Exists(Sub("keep")));
+    EXPECT_TRUE(names.empty());
+    EXPECT_FALSE(position);
+    EXPECT_EQ(name, "");
+    EXPECT_EQ(std::string(path.GetPath()), "");
+    EXPECT_NE(CurrentDirectory(), Sub("keep"));
+}
+
+TEST_F(DirectoryManagerTest, NullOutReferencesFail)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    _Result result = ResultPass;
+    directories->GetDirectories(Path(Sub("list")), NullNames(), result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    directories->FindFirst(Path(Sub("list")), NullPosition(), name, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    directories->FindFirst(Path(Sub("list")), position, NullName(), result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_FALSE(position);
+    EXPECT_TRUE(DescriptorsOpenOn(Sub("list")).empty());
+    result = ResultPass;
+    directories->GetCurrent(NullName(), result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    directories->GetExecutablePath(NullPath(), result);
+    EXPECT_EQ(result, ResultFail);
+
+    directories->FindFirst(Path(Sub("list")), position, name, result);
+    ASSERT_EQ(result, ResultPass);
+    result = ResultPass;
+    directories->FindNext(position, NullName(), result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    directories->FindNext(NullPosition(), name, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    directories->FindRelease(NullPosition(), result);
+    EXPECT_EQ(result, ResultFail);
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+}
