@@ -1,6 +1,7 @@
 #include "LinuxPlatform.h"
 
 #include "ClockGetTimeClock.h"
+#include "DirectoryManager.h"
 #include "FileManager.h"
 #include "LinuxSystemClock.h"
 #include "PassiveThreadObserver.h"
@@ -81,7 +82,7 @@ IFileManager* LinuxPlatform::CreateFileManager()
 
 IDirectoryManager* LinuxPlatform::CreateDirectoryManager()
 {
-    return nullptr;  // DirectoryManager is wired here by the files area.
+    return new DirectoryManager;
 }
 
 IUser* LinuxPlatform::CreateUser()

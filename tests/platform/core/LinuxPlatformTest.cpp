@@ -1,4 +1,5 @@
 #include "ClockGetTimeClock.h"
+#include "DirectoryManager.h"
 #include "FakeTimespecOffsetCalculator.h"
 #include "FileManager.h"
 #include "ISemaphore.h"
@@ -79,6 +80,11 @@ void CountsUpInAThread(void* argument)
 TEST_F(LinuxPlatformTest, CreateFileManagerReturnsANewFileManagerWithCountZero)
 {
     ExpectTwoNewObjectsWithCountZero<FileManager>(*platform, &IPlatform::CreateFileManager);
+}
+
+TEST_F(LinuxPlatformTest, CreateDirectoryManagerReturnsANewDirectoryManagerWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<DirectoryManager>(*platform, &IPlatform::CreateDirectoryManager);
 }
 
 TEST_F(LinuxPlatformTest, CreateLockReturnsANewPosixLockWithCountZero)
