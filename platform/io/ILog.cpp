@@ -1,0 +1,14 @@
+#include "ILog.h"
+
+#include "FatalError.h"
+
+namespace KivPlr {
+
+void ILog::Write(std::uint32_t level, const char* message, _Result& result)
+{
+    if (IsNullReference(&result))
+        return;
+    Write(level, std::string(message != nullptr ? message : ""), result);
+}
+
+} // namespace KivPlr

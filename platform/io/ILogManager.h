@@ -1,0 +1,46 @@
+// ILogManager.h - opens the system log channel and hands out the ILog that
+// writes to it.
+//
+// Made by the platform factory, owned through SmartPtr:
+//
+//   static const std::string identity = "discoveryd";   // must outlive the channel
+//   SmartPtr<ILogManager> logs(Platform::GetInstance()->CreateLogManager());
+//   SmartPtr<ILog> log;
+//   logs->Open(Path(), identity, LogFacilityDaemon, log, result);
+//
+// The channel is process-wide: the last Open decides its identity and
+// facility for every log.
+#ifndef KIVPLR_ILOGMANAGER_H
+#define KIVPLR_ILOGMANAGER_H
+
+#include "ILog.h"
+#include "IObject.h"
+#include "Path.h"
+#include "SmartPtr.h"
+
+#include <cstdint>
+#include <string>
+
+namespace KivPlr {
+
+/// Facilities of Open: user programs, daemons, and the kernel's facility.
+/// Any other value opens as a user program.
+constexpr std::uint32_t LogFacilityUser = 0;
+constexpr std::uint32_t LogFacilityDaemon = 1;
+constexpr std::uint32_t LogFacilityKernel = 2;
+
+class ILogManager : public virtual IObject
+{
+public:
+    /// Opens (or re-opens) the channel with \p identity and \p facility and
+    /// puts a new log into \p log, releasing the one it held (which closes
+    /// the channel again: see ILog). \p name is not used on Linux. The
+    /// characters of \p identity are not copied: keep the string alive and
+    /// unchanged while the channel is in use. 200.
+    virtual void Open(const Path& name, const std::string& identity, std::uint32_t facility, SmartPtr<ILog>& log,
+                      _Result& result) = 0;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,33 @@
+// Log.h - the Linux log: writes with syslog and closes with closelog.
+//
+// Made by LogManager::Open and owned through SmartPtr<ILog>. It holds no
+// state: identity, options and facility live in the C library's process-wide
+// logger. Destroying a Log closes that channel, whatever other logs exist.
+//
+//   log->Write(LogLevelError, "cannot read the configuration", result);
+//
+// syslog and closelog are thread-safe in the C library.
+#ifndef KIVPLR_LOG_H
+#define KIVPLR_LOG_H
+
+#include "ILog.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class Log : private Object, public ILog
+{
+public:
+    /// Closes the process-wide channel.
+    ~Log() override;
+
+    using ILog::Write;
+    /// syslog at LOG_INFO (levels 0 and unknown ones), LOG_WARNING (1) or
+    /// LOG_ERR (2), with \p message as the format string; 200.
+    void Write(std::uint32_t level, const std::string& message, _Result& result) override;
+    void Close(_Result& result) override;
+};
+
+} // namespace KivPlr
+
+#endif

@@ -1,0 +1,165 @@
+#include "FakeSyslogSocket.h"
+#include "Log.h"
+#include "LogManager.h"
+#include "NullReference.h"
+#include "SmartPtr.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace KivPlr;
+using KivTest::CaptureSyslog;
+using KivTest::ParseSyslogMessage;
+using KivTest::SyslogCapture;
+using KivTest::SyslogMessage;
+
+namespace {
+
+KIV_NULL_REFERENCE(NullResult, _Result)
+KIV_NULL_REFERENCE(NullLog, SmartPtr<ILog>)
+
+// Syslog facility codes as they appear in the priority number (facility * 8).
+constexpr int User = 8;
+constexpr int Daemon = 24;
+constexpr int Kernel = 0;
+constexpr int Error = 3;
+
+// The identity must outlive the channel: the C library keeps the pointer.
+const std::string Identity = "kiv-manager-test";
+
+std::vector<SyslogMessage> Parsed(const SyslogCapture& capture)
+{
+    std::vector<SyslogMessage> messages;
+    for (const std::string& datagram : capture.datagrams)
+        messages.push_back(ParseSyslogMessage(datagram));
+    return messages;
+}
+
+#define SKIP_OR_FAIL_UNLESS_CAPTURED(capture)                 \
+    do {                                                      \
+        if (!(capture).available)                             \
+            GTEST_SKIP() << (capture).reason;                 \
+        ASSERT_TRUE((capture).succeeded) << (capture).reason; \
+    } while (0)
+
+} // namespace
+
+TEST(LogManagerTest, NewManagerHasCountZero)
+{
+    LogManager* manager = new LogManager;
+    ILogManager* asInterface = manager;
+    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
+    SmartPtr<ILogManager> owner(manager);
+}
+
+TEST(LogManagerTest, OpenMapsEveryFacility)
+{
+    // Facility 2 is the kernel's: <0 + 3> for an error.
+    const std::vector<std::pair<std::uint32_t, int>> facilities = {
+        {0, User}, {1, Daemon}, {2, Kernel}, {3, User}, {9, User}, {0xFFFFFFFFu, User}, {2, Kernel}, {0, User}};
+    SyslogCapture capture = CaptureSyslog([&facilities] {
+        SmartPtr<ILogManager> logs(new LogManager);
+        for (const auto& entry : facilities) {
+            SmartPtr<ILog> log;
+            _Result result = ResultFail;
+            logs->Open(Path("ignored"), Identity, entry.first, log, result);
+            if (result != ResultPass || !log)
+                return;
+            log->Write(LogLevelError, "facility " + std::to_string(entry.first), result);
+        } // each log closes the channel as it goes; the next Open opens it again
+
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), facilities.size());
+    for (std::size_t index = 0; index < facilities.size(); ++index) {
+        SCOPED_TRACE(facilities[index].first);
+        EXPECT_EQ(messages[index].priority, facilities[index].second + Error);
+        EXPECT_EQ(messages[index].identity, Identity);
+        EXPECT_EQ(messages[index].text, "facility " + std::to_string(facilities[index].first));
+    }
+}
+
+TEST(LogManagerTest, OpenWithKernelFacilityWritesEveryLevelAsKernelMessage)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILogManager> logs(new LogManager);
+        SmartPtr<ILog> log;
+        _Result result = ResultFail;
+        logs->Open(Path(), Identity, LogFacilityKernel, log, result);
+        for (std::uint32_t level : {LogLevelInformation, LogLevelWarning, LogLevelError})
+            log->Write(level, "kernel", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 3u);
+    EXPECT_EQ(messages[0].priority, 6);
+    EXPECT_EQ(messages[1].priority, 4);
+    EXPECT_EQ(messages[2].priority, 3);
+}
+
+TEST(LogManagerTest, OpenSetsTheIdentityWithoutProcessId)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILogManager> logs(new LogManager);
+        SmartPtr<ILog> log;
+        _Result result = ResultFail;
+        logs->Open(Path("/var/log/anything"), Identity, LogFacilityDaemon, log, result);
+        log->Write(LogLevelWarning, "hello", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].priority, Daemon + 4);
+    EXPECT_EQ(messages[0].identity, Identity);
+    EXPECT_FALSE(messages[0].hasProcessId);
+    EXPECT_EQ(messages[0].text, "hello");
+}
+
+TEST(LogManagerTest, OpenGivesANewLogAndPass)
+{
+    // Opening sends nothing (no immediate connection), so this runs here.
+    SmartPtr<ILogManager> logs(new LogManager);
+    SmartPtr<ILog> log;
+    _Result result = ResultFail;
+    logs->Open(Path(), Identity, 5, log, result);
+    EXPECT_EQ(result, ResultPass);
+    ASSERT_TRUE(log);
+    EXPECT_EQ(log->GetReferenceCount(), 1u);
+    EXPECT_NE(dynamic_cast<Log*>(log.Get()), nullptr);
+}
+
+TEST(LogManagerTest, OpenIntoAPointerHoldingALogClosesTheChannelAgain)
+{
+    // The old log goes after the new openlog, and its closelog ends the
+    // channel just opened: the next write carries the C library's defaults.
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILogManager> logs(new LogManager);
+        SmartPtr<ILog> log;
+        _Result result = ResultFail;
+        logs->Open(Path(), Identity, LogFacilityUser, log, result);
+        ILog* first = log.Get();
+        logs->Open(Path(), Identity, LogFacilityUser, log, result);
+        if (log.Get() == first)
+            return;
+        log->Write(LogLevelInformation, "after reopening", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].identity, Identity);
+    EXPECT_EQ(messages[0].text, "after reopening");
+}
+
+TEST(LogManagerTest, NullReferencesDoNothing)
+{
+    SmartPtr<ILogManager> logs(new LogManager);
+    SmartPtr<ILog> log;
+    logs->Open(Path(), Identity, LogFacilityUser, log, NullResult());
+    EXPECT_FALSE(log);
+    _Result result = ResultPass;
+    logs->Open(Path(), Identity, LogFacilityUser, NullLog(), result);
+    EXPECT_EQ(result, ResultFail);
+}

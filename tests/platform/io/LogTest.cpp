@@ -1,0 +1,198 @@
+#include "FakeSyslogSocket.h"
+#include "Log.h"
+#include "LogManager.h"
+#include "NullReference.h"
+#include "SmartPtr.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <string>
+#include <vector>
+
+using namespace KivPlr;
+using KivTest::CaptureSyslog;
+using KivTest::ParseSyslogMessage;
+using KivTest::SyslogCapture;
+using KivTest::SyslogMessage;
+
+namespace {
+
+KIV_NULL_REFERENCE(NullResult, _Result)
+
+constexpr int User = 8;
+constexpr int Information = 6;
+constexpr int Warning = 4;
+constexpr int Error = 3;
+
+// The identities must outlive the channel: the C library keeps the pointer.
+const std::string FirstIdentity = "kiv-first-log";
+const std::string SecondIdentity = "kiv-second-log";
+
+std::vector<SyslogMessage> Parsed(const SyslogCapture& capture)
+{
+    std::vector<SyslogMessage> messages;
+    for (const std::string& datagram : capture.datagrams)
+        messages.push_back(ParseSyslogMessage(datagram));
+    return messages;
+}
+
+// A log on the user facility with \p identity.
+SmartPtr<ILog> OpenLog(const std::string& identity)
+{
+    SmartPtr<ILogManager> logs(new LogManager);
+    SmartPtr<ILog> log;
+    _Result result = ResultFail;
+    logs->Open(Path(), identity, LogFacilityUser, log, result);
+    return log;
+}
+
+#define SKIP_OR_FAIL_UNLESS_CAPTURED(capture)                 \
+    do {                                                      \
+        if (!(capture).available)                             \
+            GTEST_SKIP() << (capture).reason;                 \
+        ASSERT_TRUE((capture).succeeded) << (capture).reason; \
+    } while (0)
+
+} // namespace
+
+TEST(LogTest, NewLogHasCountZero)
+{
+    Log* log = new Log;
+    ILog* asInterface = log;
+    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
+    SmartPtr<ILog> owner(log);
+}
+
+TEST(LogTest, LevelsMapToSyslogPriorities)
+{
+    const std::vector<std::pair<std::uint32_t, int>> levels = {
+        {0, Information}, {1, Warning}, {2, Error}, {3, Information}, {7, Information}, {0xFFFFFFFFu, Information}};
+    SyslogCapture capture = CaptureSyslog([&levels] {
+        SmartPtr<ILog> log = OpenLog(FirstIdentity);
+        for (std::size_t index = 0; index < levels.size(); ++index) {
+            _Result result = ResultFail;
+            log->Write(levels[index].first, "level " + std::to_string(levels[index].first), result);
+            if (result != ResultPass)
+                return; // no datagram: the count below fails
+        }
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), levels.size());
+    for (std::size_t index = 0; index < levels.size(); ++index) {
+        SCOPED_TRACE(levels[index].first);
+        EXPECT_EQ(messages[index].priority, User + levels[index].second);
+        EXPECT_EQ(messages[index].identity, FirstIdentity);
+        EXPECT_EQ(messages[index].text, "level " + std::to_string(levels[index].first));
+    }
+}
+
+TEST(LogTest, PercentInMessageIsReadAsConversion)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> log = OpenLog(FirstIdentity);
+        _Result result = ResultFail;
+        log->Write(LogLevelInformation, "100%% sure", result);
+        errno = ENOENT;
+        log->Write(LogLevelInformation, "because %m", result);
+        log->Write(LogLevelInformation, "100%d", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 3u);
+    EXPECT_EQ(messages[0].text, "100% sure");
+    EXPECT_EQ(messages[1].text, "because No such file or directory");
+    EXPECT_NE(messages[2].text, "100%d"); // some number took the place of %d
+    EXPECT_EQ(messages[2].text.compare(0, 3, "100"), 0);
+    EXPECT_EQ(messages[2].text.find('%'), std::string::npos);
+}
+
+TEST(LogTest, CStringFormWritesTheSameMessage)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> log = OpenLog(FirstIdentity);
+        _Result result = ResultFail;
+        log->Write(LogLevelWarning, static_cast<const char*>("from a C string"), result);
+        if (result != ResultPass)
+            return;
+        log->Write(LogLevelError, static_cast<const char*>(nullptr), result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].priority, User + Warning);
+    EXPECT_EQ(messages[0].text, "from a C string");
+    EXPECT_EQ(messages[1].priority, User + Error);
+    EXPECT_EQ(messages[1].text, "");
+}
+
+TEST(LogTest, TheLastOpenDecidesTheIdentityOfEveryLog)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> first = OpenLog(FirstIdentity);
+        SmartPtr<ILog> second = OpenLog(SecondIdentity);
+        _Result result = ResultFail;
+        first->Write(LogLevelInformation, "through the first", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].identity, SecondIdentity);
+}
+
+TEST(LogTest, DestroyingOneOfTwoLogsClosesTheChannelForBoth)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> first = OpenLog(FirstIdentity);
+        SmartPtr<ILog> second = OpenLog(SecondIdentity);
+        _Result result = ResultFail;
+        first->Write(LogLevelInformation, "before", result);
+        second.Reset();
+        first->Write(LogLevelInformation, "after", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 2u);
+    EXPECT_EQ(messages[0].identity, SecondIdentity);
+    EXPECT_EQ(messages[1].text, "after");
+    // Reopened implicitly with the C library's own identity, the program's name.
+    EXPECT_NE(messages[1].identity, FirstIdentity);
+    EXPECT_NE(messages[1].identity, SecondIdentity);
+    EXPECT_EQ(messages[1].identity, program_invocation_short_name);
+    EXPECT_EQ(messages[1].priority, User + Information);
+}
+
+TEST(LogTest, CloseClosesTheChannelAndLaterWritesUseTheDefaults)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> log = OpenLog(FirstIdentity);
+        _Result result = ResultFail;
+        log->Close(result);
+        if (result != ResultPass)
+            return;
+        log->Write(LogLevelInformation, "after close", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_NE(messages[0].identity, FirstIdentity);
+    EXPECT_EQ(messages[0].text, "after close");
+}
+
+TEST(LogTest, NullResultReferenceWritesNothing)
+{
+    SyslogCapture capture = CaptureSyslog([] {
+        SmartPtr<ILog> log = OpenLog(FirstIdentity);
+        log->Write(LogLevelInformation, std::string("dropped"), NullResult());
+        log->Write(LogLevelInformation, "dropped too", NullResult());
+        log->Close(NullResult());
+        _Result result = ResultFail;
+        log->Write(LogLevelInformation, "kept", result);
+    });
+    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = Parsed(capture);
+    ASSERT_EQ(messages.size(), 1u);
+    EXPECT_EQ(messages[0].text, "kept");
+    EXPECT_EQ(messages[0].identity, FirstIdentity); // Close did nothing either
+}
