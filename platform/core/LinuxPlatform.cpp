@@ -4,6 +4,7 @@
 #include "DirectoryManager.h"
 #include "FileManager.h"
 #include "LinuxSystemClock.h"
+#include "LogManager.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
 #include "PosixCurrentTimespec.h"
@@ -97,7 +98,7 @@ IUserGroup* LinuxPlatform::CreateUserGroup()
 
 ILogManager* LinuxPlatform::CreateLogManager()
 {
-    return nullptr;  // LogManager is wired here by the files area.
+    return new LogManager;
 }
 
 void LinuxPlatform::FillPriorityLadder(PosixThreadPriorityMap& map)

@@ -2,6 +2,7 @@
 #include "DirectoryManager.h"
 #include "FakeTimespecOffsetCalculator.h"
 #include "FileManager.h"
+#include "LogManager.h"
 #include "ISemaphore.h"
 #include "ISharedLock.h"
 #include "IThread.h"
@@ -85,6 +86,11 @@ TEST_F(LinuxPlatformTest, CreateFileManagerReturnsANewFileManagerWithCountZero)
 TEST_F(LinuxPlatformTest, CreateDirectoryManagerReturnsANewDirectoryManagerWithCountZero)
 {
     ExpectTwoNewObjectsWithCountZero<DirectoryManager>(*platform, &IPlatform::CreateDirectoryManager);
+}
+
+TEST_F(LinuxPlatformTest, CreateLogManagerReturnsANewLogManagerWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<LogManager>(*platform, &IPlatform::CreateLogManager);
 }
 
 TEST_F(LinuxPlatformTest, CreateLockReturnsANewPosixLockWithCountZero)
