@@ -78,15 +78,21 @@ bool RemoveTree(const std::string& directory)
     return rmdir(directory.c_str()) == 0;
 }
 
-// The position behind \p position, found through its interface query;
-// null with \p result set when it is not one of ours.
-LinuxDirectoryPosition* Resolve(SmartPtr<IDirectoryPosition>& position, _Result& result)
+// The enumeration behind \p position, found through its interface query,
+// while its stream is open; null with \p result set otherwise (not one of
+// ours, or already released through another holder).
+LinuxDirectoryPosition* OpenEnumeration(SmartPtr<IDirectoryPosition>& position, _Result& result)
 {
     void* raw = nullptr;
     // An empty position ends the process here (SmartPtr's null check).
     if (!position->QueryInterface(&LinuxDirectoryPosition::ClassId(), &raw, result) || !Succeeded(result))
         return nullptr;
-    return static_cast<LinuxDirectoryPosition*>(raw);
+    LinuxDirectoryPosition* enumeration = static_cast<LinuxDirectoryPosition*>(raw);
+    if (enumeration->GetHandle() == nullptr) {
+        result = ResultFail;
+        return nullptr;
+    }
+    return enumeration;
 }
 
 } // namespace
@@ -201,15 +207,10 @@ void DirectoryManager::FindNext(SmartPtr<IDirectoryPosition>& position, std::str
         result = ResultFail;
         return;
     }
-    LinuxDirectoryPosition* enumeration = Resolve(position, result);
+    LinuxDirectoryPosition* enumeration = OpenEnumeration(position, result);
     if (enumeration == nullptr)
         return;
-    DIR* handle = enumeration->GetHandle();
-    if (handle == nullptr) {
-        result = ResultFail; // released through another holder
-        return;
-    }
-    struct dirent* entry = readdir(handle);
+    struct dirent* entry = readdir(enumeration->GetHandle());
     if (entry == nullptr) {
         result = ResultFail;
         return;
@@ -226,14 +227,10 @@ void DirectoryManager::FindRelease(SmartPtr<IDirectoryPosition>& position, _Resu
         result = ResultFail;
         return;
     }
-    LinuxDirectoryPosition* enumeration = Resolve(position, result);
+    LinuxDirectoryPosition* enumeration = OpenEnumeration(position, result);
     if (enumeration == nullptr)
         return;
     DIR* handle = enumeration->GetHandle();
-    if (handle == nullptr) {
-        result = ResultFail; // released already, through another holder
-        return;
-    }
     // closedir frees the stream whatever it answers, so the position never
     // touches it again; only success empties the caller's pointer.
     enumeration->ForgetHandle();

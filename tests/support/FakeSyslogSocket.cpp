@@ -131,4 +131,12 @@ SyslogCapture CaptureSyslog(const std::function<void()>& body)
     return capture;
 }
 
+std::vector<SyslogMessage> ParsedMessages(const SyslogCapture& capture)
+{
+    std::vector<SyslogMessage> messages;
+    for (const std::string& datagram : capture.datagrams)
+        messages.push_back(ParseSyslogMessage(datagram));
+    return messages;
+}
+
 } // namespace KivTest

@@ -12,6 +12,8 @@
 #ifndef KIV_TESTS_FAKESYSLOGSOCKET_H
 #define KIV_TESTS_FAKESYSLOGSOCKET_H
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -72,6 +74,22 @@ struct SyslogCapture
 /// /dev, a fake logger socket at /dev/log) and collects every datagram the
 /// logger sent. The machine's /dev/log is never touched.
 SyslogCapture CaptureSyslog(const std::function<void()>& body);
+
+/// The captured datagrams, parsed.
+std::vector<SyslogMessage> ParsedMessages(const SyslogCapture& capture);
+
+} // namespace KivTest
+
+/// In a test: skips when no private mount namespace could be made, and
+/// fails (returning) when the capturing child did not run through.
+#define KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture)                 \
+    do {                                                          \
+        if (!(capture).available)                                 \
+            GTEST_SKIP() << (capture).reason;                     \
+        ASSERT_TRUE((capture).succeeded) << (capture).reason;     \
+    } while (0)
+
+namespace KivTest {
 
 } // namespace KivTest
 

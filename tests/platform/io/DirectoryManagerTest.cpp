@@ -103,6 +103,29 @@ protected:
 
     std::string Sub(const std::string& name) const { return directory.Path() + "/" + name; }
 
+    // Makes each entry below the test directory, in order: a name ending in
+    // "/" as a directory, any other as a file holding "x".
+    bool MakeTree(const std::vector<std::string>& entries)
+    {
+        for (const std::string& entry : entries) {
+            bool made = entry.back() == '/' ? mkdir(Sub(entry).c_str(), 0755) == 0 : WriteFile(Sub(entry), "x");
+            if (!made) {
+                ADD_FAILURE() << "cannot make " << Sub(entry);
+                return false;
+            }
+        }
+        return true;
+    }
+
+    // Makes the empty directory "list" and starts enumerating it.
+    bool StartListing(SmartPtr<IDirectoryPosition>& position, std::string& name)
+    {
+        _Result result = ResultFail;
+        if (mkdir(Sub("list").c_str(), 0755) == 0)
+            directories->FindFirst(Path(Sub("list")), position, name, result);
+        return result == ResultPass && position;
+    }
+
     // Every name an enumeration of \p path gives, through FindFirst, FindNext
     // and FindRelease; \p released tells whether FindRelease succeeded.
     Names Enumerate(const std::string& path, bool& released)
@@ -158,8 +181,7 @@ TEST_F(DirectoryManagerTest, CreateMakesDirectoryWithMode0774)
 
 TEST_F(DirectoryManagerTest, CreateOnExistingDirectoryFails)
 {
-    ASSERT_EQ(mkdir(Sub("old").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("old/keep"), "x"));
+    ASSERT_TRUE(MakeTree({"old/", "old/keep"}));
     _Result result = ResultPass;
     directories->Create(Path(Sub("old")), result);
     EXPECT_EQ(result, ResultFail);
@@ -185,8 +207,7 @@ TEST_F(DirectoryManagerTest, RemoveWithoutRecursionRemovesEmptyDirectory)
 
 TEST_F(DirectoryManagerTest, RemoveWithoutRecursionOnNonEmptyDirectoryFails)
 {
-    ASSERT_EQ(mkdir(Sub("full").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("full/file"), "x"));
+    ASSERT_TRUE(MakeTree({"full/", "full/file"}));
     _Result result = ResultPass;
     directories->Remove(Path(Sub("full")), false, result);
     EXPECT_EQ(result, ResultFail);
@@ -196,10 +217,8 @@ TEST_F(DirectoryManagerTest, RemoveWithoutRecursionOnNonEmptyDirectoryFails)
 TEST_F(DirectoryManagerTest, RecursiveRemoveDeletesTreeOfFilesAndDirectories)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    for (const char* folder : {"tree", "tree/a", "tree/a/b", "tree/a/b/c", "tree/empty", "tree/.hidden"})
-        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
-    for (const char* file : {"tree/f", "tree/a/f", "tree/a/b/f", "tree/a/b/c/f", "tree/.hidden/.f", "tree/a/g"})
-        ASSERT_TRUE(WriteFile(Sub(file), file));
+    ASSERT_TRUE(MakeTree({"tree/", "tree/a/", "tree/a/b/", "tree/a/b/c/", "tree/empty/", "tree/.hidden/", "tree/f",
+                          "tree/a/f", "tree/a/b/f", "tree/a/b/c/f", "tree/.hidden/.f", "tree/a/g"}));
     ASSERT_EQ(chmod(Sub("tree/a/g").c_str(), 0444), 0);
     _Result result = ResultFail;
     directories->Remove(Path(Sub("tree")), true, result);
@@ -210,9 +229,7 @@ TEST_F(DirectoryManagerTest, RecursiveRemoveDeletesTreeOfFilesAndDirectories)
 TEST_F(DirectoryManagerTest, RecursiveRemoveOfRelativePathUsesCurrentDirectory)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("tree").c_str(), 0755), 0);
-    ASSERT_EQ(mkdir(Sub("tree/a").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("tree/a/f"), "x"));
+    ASSERT_TRUE(MakeTree({"tree/", "tree/a/", "tree/a/f"}));
     WorkingDirectoryGuard guard;
     ASSERT_EQ(chdir(directory.Path().c_str()), 0);
     _Result result = ResultFail;
@@ -224,11 +241,7 @@ TEST_F(DirectoryManagerTest, RecursiveRemoveOfRelativePathUsesCurrentDirectory)
 TEST_F(DirectoryManagerTest, RecursiveRemoveLeavesSymbolicLinkAndTheDirectoryHoldingIt)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("tree").c_str(), 0755), 0);
-    ASSERT_EQ(mkdir(Sub("tree/a").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("tree/f"), "x"));
-    ASSERT_TRUE(WriteFile(Sub("tree/a/f"), "x"));
-    ASSERT_TRUE(WriteFile(Sub("target"), "x"));
+    ASSERT_TRUE(MakeTree({"tree/", "tree/a/", "tree/f", "tree/a/f", "target"}));
     ASSERT_EQ(symlink(Sub("target").c_str(), Sub("tree/link").c_str()), 0);
     _Result result = ResultPass;
     directories->Remove(Path(Sub("tree")), true, result);
@@ -244,10 +257,8 @@ TEST_F(DirectoryManagerTest, RecursiveRemoveStopsAtTheFirstSubdirectoryThatStays
     // tree/a/b holds a link: b stays, so a stays, so tree stays. Inside b
     // everything else goes; in a and tree, the entries that readdir gives
     // before the failing directory go and the ones after it stay.
-    for (const char* folder : {"tree", "tree/a", "tree/a/b", "tree/a/c", "tree/d"})
-        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
-    for (const char* file : {"tree/f", "tree/a/f", "tree/a/b/f", "tree/a/c/f", "tree/d/f", "tree/a/b/g"})
-        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    ASSERT_TRUE(MakeTree({"tree/", "tree/a/", "tree/a/b/", "tree/a/c/", "tree/d/", "tree/f", "tree/a/f", "tree/a/b/f",
+                          "tree/a/c/f", "tree/d/f", "tree/a/b/g"}));
     ASSERT_EQ(symlink("nowhere", Sub("tree/a/b/link").c_str()), 0);
     std::vector<std::string> treeOrder = ReaddirOrder(Sub("tree"));
     std::vector<std::string> aOrder = ReaddirOrder(Sub("tree/a"));
@@ -291,8 +302,7 @@ TEST_F(DirectoryManagerTest, RecursiveRemoveOfMissingDirectoryFails)
 
 TEST_F(DirectoryManagerTest, ExistsForAnyKindOfFile)
 {
-    ASSERT_EQ(mkdir(Sub("folder").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    ASSERT_TRUE(MakeTree({"folder/", "file"}));
     ASSERT_EQ(mkfifo(Sub("fifo").c_str(), 0644), 0);
     ASSERT_EQ(symlink("nowhere", Sub("dangling").c_str()), 0);
     const std::pair<std::string, _Result> cases[] = {
@@ -308,8 +318,7 @@ TEST_F(DirectoryManagerTest, ExistsForAnyKindOfFile)
 
 TEST_F(DirectoryManagerTest, IsDirectoryTellsDirectoriesFromOtherFiles)
 {
-    ASSERT_EQ(mkdir(Sub("folder").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("file"), "x"));
+    ASSERT_TRUE(MakeTree({"folder/", "file"}));
     ASSERT_EQ(symlink(Sub("folder").c_str(), Sub("link").c_str()), 0);
     const std::pair<std::string, _Result> cases[] = {
         {Sub("folder"), ResultPass}, {Sub("link"), ResultPass},     {Sub("file"), ResultFail},
@@ -326,9 +335,7 @@ TEST_F(DirectoryManagerTest, FindEnumeratesEveryEntryIncludingDotAndDotDot)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
     ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
-    ASSERT_EQ(mkdir(Sub("list/sub").c_str(), 0755), 0);
-    for (const char* file : {"list/a", "list/b", "list/.hidden"})
-        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    ASSERT_TRUE(MakeTree({"list/sub/", "list/a", "list/b", "list/.hidden"}));
     bool released = false;
     EXPECT_EQ(Enumerate(Sub("list"), released), (Names{".", "..", "a", "b", ".hidden", "sub"}));
     EXPECT_TRUE(released);
@@ -337,8 +344,7 @@ TEST_F(DirectoryManagerTest, FindEnumeratesEveryEntryIncludingDotAndDotDot)
 TEST_F(DirectoryManagerTest, FindWithTrailingSlashAsteriskEnumeratesTheSameDirectory)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("list/a"), "x"));
+    ASSERT_TRUE(MakeTree({"list/", "list/a"}));
     bool released = false;
     Names bare = Enumerate(Sub("list"), released);
     EXPECT_TRUE(released);
@@ -352,12 +358,10 @@ TEST_F(DirectoryManagerTest, FindWithTrailingSlashAsteriskEnumeratesTheSameDirec
 TEST_F(DirectoryManagerTest, FindNextAfterTheEndKeepsFailingAndLeavesNameAlone)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
     SmartPtr<IDirectoryPosition> position;
     std::string name;
-    _Result result = ResultFail;
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
+    ASSERT_TRUE(StartListing(position, name));
+    _Result result = ResultPass;
     int more = 0;
     while (result == ResultPass && more < 10) {
         directories->FindNext(position, name, result);
@@ -377,8 +381,7 @@ TEST_F(DirectoryManagerTest, FindNextAfterTheEndKeepsFailingAndLeavesNameAlone)
 TEST_F(DirectoryManagerTest, FindFirstOfRelativePathReadsItAgainstCurrentDirectory)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("list/only"), "x"));
+    ASSERT_TRUE(MakeTree({"list/", "list/only"}));
     WorkingDirectoryGuard guard;
     ASSERT_EQ(chdir(directory.Path().c_str()), 0);
     bool released = false;
@@ -399,12 +402,10 @@ TEST_F(DirectoryManagerTest, FindFirstOfRelativePathReadsItAgainstCurrentDirecto
 TEST_F(DirectoryManagerTest, FindFirstOnMissingDirectoryFailsAndLeavesOutValuesAlone)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
     SmartPtr<IDirectoryPosition> position;
     std::string name;
     _Result result = ResultFail;
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
+    ASSERT_TRUE(StartListing(position, name));
     IDirectoryPosition* held = position.Get();
     name = "kept";
     directories->FindFirst(Path(Sub("missing")), position, name, result);
@@ -422,12 +423,10 @@ TEST_F(DirectoryManagerTest, FindFirstOnMissingDirectoryFailsAndLeavesOutValuesA
 TEST_F(DirectoryManagerTest, FindFirstReplacesAndReleasesTheHeldPosition)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
     SmartPtr<IDirectoryPosition> position;
     std::string name;
     _Result result = ResultFail;
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
+    ASSERT_TRUE(StartListing(position, name));
     SmartPtr<IDirectoryPosition> watcher = position;
     SmartPtr<IDirectoryPosition> closer = position;
     directories->FindRelease(closer, result); // closes the stream; position still holds the object
@@ -444,12 +443,10 @@ TEST_F(DirectoryManagerTest, FindFirstReplacesAndReleasesTheHeldPosition)
 TEST_F(DirectoryManagerTest, ReleasedEnumerationRefusesFurtherUseThroughOtherHolders)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
     SmartPtr<IDirectoryPosition> position;
     std::string name;
     _Result result = ResultFail;
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
+    ASSERT_TRUE(StartListing(position, name));
     SmartPtr<IDirectoryPosition> other = position;
     directories->FindRelease(position, result);
     ASSERT_EQ(result, ResultPass);
@@ -465,12 +462,10 @@ TEST_F(DirectoryManagerTest, ReleasedEnumerationRefusesFurtherUseThroughOtherHol
 TEST_F(DirectoryManagerTest, AbandonedEnumerationLeavesItsStreamOpen)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
     SmartPtr<IDirectoryPosition> position;
     std::string name;
     _Result result = ResultFail;
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
+    ASSERT_TRUE(StartListing(position, name));
     void* raw = nullptr;
     ASSERT_TRUE(position->QueryInterface(&LinuxDirectoryPosition::ClassId(), &raw, result));
     DIR* handle = static_cast<LinuxDirectoryPosition*>(raw)->GetHandle();
@@ -494,10 +489,7 @@ TEST_F(DirectoryManagerTest, FindNextAndFindReleaseOnEmptyPositionAreFatal)
 TEST_F(DirectoryManagerTest, GetFilesAndGetDirectoriesSortTheCurrentDirectory)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    for (const char* folder : {"d1", "d2"})
-        ASSERT_EQ(mkdir(Sub(folder).c_str(), 0755), 0);
-    for (const char* file : {"f1", "f2"})
-        ASSERT_TRUE(WriteFile(Sub(file), "x"));
+    ASSERT_TRUE(MakeTree({"d1/", "d2/", "f1", "f2"}));
     ASSERT_EQ(mkfifo(Sub("fifo").c_str(), 0644), 0);
     ASSERT_EQ(symlink("d1", Sub("link-to-d1").c_str()), 0);
     WorkingDirectoryGuard guard;
@@ -521,13 +513,7 @@ TEST_F(DirectoryManagerTest, ListingAnotherDirectoryClassifiesNamesInTheCurrentO
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
     // here: x is a directory, y a file. there: x a file, y and z directories.
-    ASSERT_EQ(mkdir(Sub("here").c_str(), 0755), 0);
-    ASSERT_EQ(mkdir(Sub("here/x").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("here/y"), "x"));
-    ASSERT_EQ(mkdir(Sub("there").c_str(), 0755), 0);
-    ASSERT_TRUE(WriteFile(Sub("there/x"), "x"));
-    ASSERT_EQ(mkdir(Sub("there/y").c_str(), 0755), 0);
-    ASSERT_EQ(mkdir(Sub("there/z").c_str(), 0755), 0);
+    ASSERT_TRUE(MakeTree({"here/", "here/x/", "here/y", "there/", "there/x", "there/y/", "there/z/"}));
     WorkingDirectoryGuard guard;
     ASSERT_EQ(chdir(Sub("here").c_str()), 0);
 

@@ -11,7 +11,7 @@
 
 using namespace KivPlr;
 using KivTest::CaptureSyslog;
-using KivTest::ParseSyslogMessage;
+using KivTest::ParsedMessages;
 using KivTest::SyslogCapture;
 using KivTest::SyslogMessage;
 
@@ -28,21 +28,6 @@ constexpr int Error = 3;
 
 // The identity must outlive the channel: the C library keeps the pointer.
 const std::string Identity = "kiv-manager-test";
-
-std::vector<SyslogMessage> Parsed(const SyslogCapture& capture)
-{
-    std::vector<SyslogMessage> messages;
-    for (const std::string& datagram : capture.datagrams)
-        messages.push_back(ParseSyslogMessage(datagram));
-    return messages;
-}
-
-#define SKIP_OR_FAIL_UNLESS_CAPTURED(capture)                 \
-    do {                                                      \
-        if (!(capture).available)                             \
-            GTEST_SKIP() << (capture).reason;                 \
-        ASSERT_TRUE((capture).succeeded) << (capture).reason; \
-    } while (0)
 
 } // namespace
 
@@ -71,8 +56,8 @@ TEST(LogManagerTest, OpenMapsEveryFacility)
         } // each log closes the channel as it goes; the next Open opens it again
 
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), facilities.size());
     for (std::size_t index = 0; index < facilities.size(); ++index) {
         SCOPED_TRACE(facilities[index].first);
@@ -92,8 +77,8 @@ TEST(LogManagerTest, OpenWithKernelFacilityWritesEveryLevelAsKernelMessage)
         for (std::uint32_t level : {LogLevelInformation, LogLevelWarning, LogLevelError})
             log->Write(level, "kernel", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 3u);
     EXPECT_EQ(messages[0].priority, 6);
     EXPECT_EQ(messages[1].priority, 4);
@@ -109,8 +94,8 @@ TEST(LogManagerTest, OpenSetsTheIdentityWithoutProcessId)
         logs->Open(Path("/var/log/anything"), Identity, LogFacilityDaemon, log, result);
         log->Write(LogLevelWarning, "hello", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].priority, Daemon + 4);
     EXPECT_EQ(messages[0].identity, Identity);
@@ -146,8 +131,8 @@ TEST(LogManagerTest, OpenIntoAPointerHoldingALogClosesTheChannelAgain)
             return;
         log->Write(LogLevelInformation, "after reopening", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_NE(messages[0].identity, Identity);
     EXPECT_EQ(messages[0].text, "after reopening");

@@ -12,7 +12,7 @@
 
 using namespace KivPlr;
 using KivTest::CaptureSyslog;
-using KivTest::ParseSyslogMessage;
+using KivTest::ParsedMessages;
 using KivTest::SyslogCapture;
 using KivTest::SyslogMessage;
 
@@ -29,14 +29,6 @@ constexpr int Error = 3;
 const std::string FirstIdentity = "kiv-first-log";
 const std::string SecondIdentity = "kiv-second-log";
 
-std::vector<SyslogMessage> Parsed(const SyslogCapture& capture)
-{
-    std::vector<SyslogMessage> messages;
-    for (const std::string& datagram : capture.datagrams)
-        messages.push_back(ParseSyslogMessage(datagram));
-    return messages;
-}
-
 // A log on the user facility with \p identity.
 SmartPtr<ILog> OpenLog(const std::string& identity)
 {
@@ -46,13 +38,6 @@ SmartPtr<ILog> OpenLog(const std::string& identity)
     logs->Open(Path(), identity, LogFacilityUser, log, result);
     return log;
 }
-
-#define SKIP_OR_FAIL_UNLESS_CAPTURED(capture)                 \
-    do {                                                      \
-        if (!(capture).available)                             \
-            GTEST_SKIP() << (capture).reason;                 \
-        ASSERT_TRUE((capture).succeeded) << (capture).reason; \
-    } while (0)
 
 } // namespace
 
@@ -77,8 +62,8 @@ TEST(LogTest, LevelsMapToSyslogPriorities)
                 return; // no datagram: the count below fails
         }
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), levels.size());
     for (std::size_t index = 0; index < levels.size(); ++index) {
         SCOPED_TRACE(levels[index].first);
@@ -98,8 +83,8 @@ TEST(LogTest, PercentInMessageIsReadAsConversion)
         log->Write(LogLevelInformation, "because %m", result);
         log->Write(LogLevelInformation, "100%d", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 3u);
     EXPECT_EQ(messages[0].text, "100% sure");
     EXPECT_EQ(messages[1].text, "because No such file or directory");
@@ -118,8 +103,8 @@ TEST(LogTest, CStringFormWritesTheSameMessage)
             return;
         log->Write(LogLevelError, static_cast<const char*>(nullptr), result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].priority, User + Warning);
     EXPECT_EQ(messages[0].text, "from a C string");
@@ -135,8 +120,8 @@ TEST(LogTest, TheLastOpenDecidesTheIdentityOfEveryLog)
         _Result result = ResultFail;
         first->Write(LogLevelInformation, "through the first", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].identity, SecondIdentity);
 }
@@ -151,8 +136,8 @@ TEST(LogTest, DestroyingOneOfTwoLogsClosesTheChannelForBoth)
         second.Reset();
         first->Write(LogLevelInformation, "after", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 2u);
     EXPECT_EQ(messages[0].identity, SecondIdentity);
     EXPECT_EQ(messages[1].text, "after");
@@ -173,8 +158,8 @@ TEST(LogTest, CloseClosesTheChannelAndLaterWritesUseTheDefaults)
             return;
         log->Write(LogLevelInformation, "after close", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_NE(messages[0].identity, FirstIdentity);
     EXPECT_EQ(messages[0].text, "after close");
@@ -190,8 +175,8 @@ TEST(LogTest, NullResultReferenceWritesNothing)
         _Result result = ResultFail;
         log->Write(LogLevelInformation, "kept", result);
     });
-    SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
-    std::vector<SyslogMessage> messages = Parsed(capture);
+    KIV_SKIP_OR_FAIL_UNLESS_CAPTURED(capture);
+    std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].text, "kept");
     EXPECT_EQ(messages[0].identity, FirstIdentity); // Close did nothing either
