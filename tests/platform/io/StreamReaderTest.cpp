@@ -1,5 +1,6 @@
 #include "ChildProcess.h"
 #include "FileManager.h"
+#include "NullReference.h"
 #include "SmartPtr.h"
 #include "StreamReader.h"
 #include "TemporaryDirectory.h"
@@ -16,6 +17,9 @@ using KivTest::TemporaryDirectory;
 using KivTest::WriteFile;
 
 namespace {
+
+KIV_NULL_REFERENCE(NullResult, _Result)
+KIV_NULL_REFERENCE(NullLine, std::string)
 
 // One ReadLine call: the line it gave and its result.
 typedef std::pair<std::string, _Result> Piece;
@@ -343,4 +347,23 @@ TEST_F(StreamReaderTest, ReaderWithoutStreamIsFatal)
     _Result result = 0;
     EXPECT_FATAL_SILENT(reader->ReadLine(line, result));
     EXPECT_FATAL_SILENT(reader->ReadLine(line, ':', result));
+}
+
+TEST_F(StreamReaderTest, NullReferencesReadNothing)
+{
+    ScriptedStream* script = new ScriptedStream("ab\n", ResultEndOfData);
+    SmartPtr<IStream> stream(script);
+    SmartPtr<IStreamReader> reader(new StreamReader(stream));
+    std::string line;
+    reader->ReadLine(line, NullResult());
+    reader->ReadLine(line, ':', NullResult());
+    _Result result = ResultPass;
+    reader->ReadLine(NullLine(), result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    reader->ReadLine(NullLine(), ':', result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(script->calls.empty());
+    reader->ReadLine(line, result);
+    EXPECT_EQ(line, "ab");
 }
