@@ -1,0 +1,54 @@
+// User.h - local user accounts through PAM and the system's shadow tools.
+//
+// Made by the platform factory (LinuxPlatform::CreateUser) and owned through
+// SmartPtr. It holds no state: any thread may call it, and each call blocks
+// while the shell or PAM transaction it starts runs. Names and passwords go
+// to the shell unquoted: pass plain account names only.
+//
+//   SmartPtr<IUser> users(new User);
+//   _Result result = ResultFail;
+//   users->Add("operator", "s3cret", result);        // useradd operator -p <hash>
+//   users->Authenticate("operator", "s3cret", result);
+#ifndef KIVPLR_USER_H
+#define KIVPLR_USER_H
+
+#include "IUser.h"
+#include "Object.h"
+
+namespace KivPlr {
+
+class User : private Object, public IUser
+{
+public:
+    /// pam_authenticate (PAM_SILENT), then pam_acct_mgmt, in one "check_user"
+    /// transaction; every hidden prompt is answered with \p password. 500
+    /// when PAM cannot start or a name or the password is null.
+    void Authenticate(const char* userName, const char* password, _Result& result) override;
+    /// Runs "useradd <user> -p <hash>" with the hash of HashPassword. A null
+    /// hash (or a null argument) gives 500 and runs nothing. The command line
+    /// is overwritten with zero bytes before it is freed.
+    void Add(const char* userName, const char* password, _Result& result) override;
+    /// Runs "userdel <user>"; the command line is overwritten with zero bytes
+    /// before it is freed. A null name gives 500 and runs nothing.
+    void Delete(const char* userName, _Result& result) override;
+    /// Runs "id -nG <user>" and appends every group but the own-name group.
+    /// A null name gives 500 and leaves \p groups alone.
+    void GetGroups(const char* userName, std::vector<std::string>& groups, _Result& result) override;
+    /// pam_chauthtok (PAM_SILENT) in a "check_user" transaction; every hidden
+    /// prompt (old, new and retyped password alike) is answered with
+    /// \p newPassword. 500 when PAM cannot start or an argument is null.
+    void SetPassword(const char* userName, const char* newPassword, _Result& result) override;
+
+protected:
+    /// The hash handed to useradd: crypt(password, password), so the C
+    /// library's traditional DES scheme takes the first two characters of
+    /// the password as the salt. Null when crypt gives null.
+    virtual const char* HashPassword(const char* password);
+    /// Frees a command line of Add or Delete, already overwritten with zero
+    /// bytes.
+    virtual void ReleaseCommandLine(char* commandLine);
+};
+
+} // namespace KivPlr
+
+#endif

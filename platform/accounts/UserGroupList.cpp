@@ -1,0 +1,34 @@
+#include "UserGroupList.h"
+
+#include "ShellCommand.h"
+
+namespace KivPlr {
+
+void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<std::string>& groups)
+{
+    if (userName == nullptr)
+        return;
+    std::string commandLine = std::string("id -nG ") + userName;
+    std::string output;
+    ShellCommand::ReadOutput(commandLine.c_str(), output);
+    Split(output, userName, ownGroup, groups);
+}
+
+void UserGroupList::Split(const std::string& output, const char* userName, OwnGroup ownGroup,
+                          std::vector<std::string>& groups)
+{
+    std::string::size_type start = 0;
+    while (start < output.size()) {
+        std::string::size_type end = output.find_first_of(" \n", start);
+        if (end == start)
+            break;
+        std::string word = output.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        if (ownGroup == KeepOwnGroup || userName == nullptr || word != userName)
+            groups.push_back(word);
+        if (end == std::string::npos)
+            break;
+        start = end + 1;
+    }
+}
+
+} // namespace KivPlr

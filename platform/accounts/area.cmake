@@ -1,0 +1,9 @@
+# Accounts: PAM for authentication and password changes, libcrypt for the
+# password hash that useradd is given. Looked up through the find root so
+# that the armhf lane links the sysroot's libraries and sees its headers.
+find_library(KIV_PAM_LIBRARY pam REQUIRED)
+find_library(KIV_CRYPT_LIBRARY crypt REQUIRED)
+find_path(KIV_PAM_INCLUDE_DIR security/pam_appl.h REQUIRED)
+find_path(KIV_CRYPT_INCLUDE_DIR crypt.h REQUIRED)
+target_include_directories(kivplr SYSTEM PRIVATE ${KIV_PAM_INCLUDE_DIR} ${KIV_CRYPT_INCLUDE_DIR})
+target_link_libraries(kivplr PRIVATE ${KIV_PAM_LIBRARY} ${KIV_CRYPT_LIBRARY})

@@ -1,0 +1,679 @@
+#include "ChildProcess.h"
+#include "Emulation.h"
+#include "InnerTest.h"
+#include "PrivateMountNamespace.h"
+#include "RecordingShellTools.h"
+#include "SmartPtr.h"
+#include "TemporaryDirectory.h"
+#include "ThrowawayAccounts.h"
+#include "User.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+using namespace KivPlr;
+using namespace KivTest;
+
+namespace {
+
+typedef std::vector<std::string> Names;
+
+// The test executable does not link libcrypt itself: the platform library
+// brings it in, and the test makes its own call to crypt through it.
+std::string SystemCrypt(const char* phrase, const char* setting)
+{
+    typedef char* (*CryptFunction)(const char*, const char*);
+    CryptFunction function = reinterpret_cast<CryptFunction>(dlsym(RTLD_DEFAULT, "crypt"));
+    if (function == nullptr)
+        return "<no crypt>";
+    const char* hash = function(phrase, setting);
+    return hash != nullptr ? hash : "<null>";
+}
+
+// A User whose hash and command-line release the test can see and steer.
+class ObservedUser : public User
+{
+public:
+    bool nullHash = false;
+    std::size_t commandLineLength = 0;         ///< bytes that must be zero when released
+    std::vector<bool> releasedZeroed;
+
+protected:
+    const char* HashPassword(const char* password) override
+    {
+        return nullHash ? nullptr : User::HashPassword(password);
+    }
+
+    void ReleaseCommandLine(char* commandLine) override
+    {
+        bool zeroed = true;
+        for (std::size_t index = 0; index < commandLineLength; ++index)
+            zeroed = zeroed && commandLine[index] == '\0';
+        releasedZeroed.push_back(zeroed);
+        User::ReleaseCommandLine(commandLine);
+    }
+};
+
+// Runs the shell tools of each test in an empty working directory, so that a
+// hash like "*0" (a glob for the shell) cannot match a file by chance.
+class EmptyWorkingDirectory
+{
+public:
+    EmptyWorkingDirectory()
+    {
+        char* current = getcwd(nullptr, 0);
+        if (current != nullptr)
+            previous = current;
+        std::free(current);
+        if (chdir(directory.Path().c_str()) != 0)
+            ADD_FAILURE() << "cannot enter " << directory.Path();
+    }
+    ~EmptyWorkingDirectory()
+    {
+        if (!previous.empty() && chdir(previous.c_str()) != 0)
+            ADD_FAILURE() << "cannot return to " << previous;
+    }
+
+private:
+    TemporaryDirectory directory;
+    std::string previous;
+};
+
+__attribute__((no_sanitize("undefined"))) _Result& NullResultReference()
+{
+    _Result* pointer = nullptr;
+    asm volatile("" : "+r"(pointer));
+    return *pointer;
+}
+
+__attribute__((no_sanitize("undefined"))) std::vector<std::string>& NullGroupsReference()
+{
+    std::vector<std::string>* pointer = nullptr;
+    asm volatile("" : "+r"(pointer));
+    return *pointer;
+}
+
+class UserTest : public ::testing::Test
+{
+protected:
+    EmptyWorkingDirectory workingDirectory;
+    RecordingShellTools tools;
+};
+
+} // namespace
+
+// --- Command lines, with recording stand-ins for the tools -----------------
+
+TEST_F(UserTest, NewUserHasCountZero)
+{
+    IUser* user = new User;
+    EXPECT_EQ(user->GetReferenceCount(), 0u);
+    SmartPtr<IUser> owner(user);
+    EXPECT_EQ(user->GetReferenceCount(), 1u);
+}
+
+TEST_F(UserTest, AddRunsUseraddWithTheCryptHashOfThePassword)
+{
+    tools.Install("useradd", 0);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("alice", "Secret12", result);
+    EXPECT_EQ(result, ResultPass);
+    std::string hash = SystemCrypt("Secret12", "Secret12");
+    EXPECT_EQ(hash.size(), 13u) << "traditional DES hash: " << hash;
+    EXPECT_EQ(hash.substr(0, 2), "Se") << "the first two characters are the salt";
+    EXPECT_EQ(tools.Calls(), Names{"useradd alice -p " + hash});
+}
+
+TEST_F(UserTest, AddGivesFailWhenUseraddFails)
+{
+    tools.Install("useradd", 9);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultPass;
+    user->Add("alice", "Secret12", result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(tools.Calls().size(), 1u);
+}
+
+TEST_F(UserTest, AddWithOneCharacterPasswordRunsUseraddWithWhatCryptReturns)
+{
+    // A one-character salt is invalid for DES; libxcrypt then answers with
+    // its failure token "*0" rather than null, and that is what useradd gets.
+    tools.Install("useradd", 0);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("alice", "x", result);
+    EXPECT_EQ(result, ResultPass);
+    std::string hash = SystemCrypt("x", "x");
+    EXPECT_EQ(tools.Calls(), Names{"useradd alice -p " + hash});
+}
+
+TEST_F(UserTest, AddGivesFailAndRunsNothingWhenCryptGivesNull)
+{
+    tools.Install("useradd", 0);
+    ObservedUser* observed = new ObservedUser;
+    SmartPtr<IUser> user(observed);
+    observed->nullHash = true;
+    _Result result = ResultPass;
+    user->Add("alice", "Secret12", result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(tools.Calls().empty());
+    EXPECT_TRUE(observed->releasedZeroed.empty());
+}
+
+TEST_F(UserTest, AddOverwritesTheCommandLineWithZerosBeforeFreeingIt)
+{
+    tools.Install("useradd", 0);
+    ObservedUser* observed = new ObservedUser;
+    SmartPtr<IUser> user(observed);
+    std::string line = "useradd alice -p " + SystemCrypt("Secret12", "Secret12");
+    observed->commandLineLength = line.size();
+    _Result result = ResultFail;
+    user->Add("alice", "Secret12", result);
+    EXPECT_EQ(tools.Calls(), Names{line});
+    EXPECT_EQ(observed->releasedZeroed, std::vector<bool>{true});
+}
+
+TEST_F(UserTest, DeleteRunsUserdel)
+{
+    tools.Install("userdel", 0);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Delete("alice", result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(tools.Calls(), Names{"userdel alice"});
+}
+
+TEST_F(UserTest, DeleteGivesFailWhenUserdelFails)
+{
+    tools.Install("userdel", 6);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultPass;
+    user->Delete("alice", result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(UserTest, DeleteOverwritesTheCommandLineWithZerosBeforeFreeingIt)
+{
+    tools.Install("userdel", 0);
+    ObservedUser* observed = new ObservedUser;
+    SmartPtr<IUser> user(observed);
+    observed->commandLineLength = std::strlen("userdel alice");
+    _Result result = ResultFail;
+    user->Delete("alice", result);
+    EXPECT_EQ(observed->releasedZeroed, std::vector<bool>{true});
+}
+
+TEST_F(UserTest, NamesReachTheShellUnquoted)
+{
+    tools.Install("userdel", 0);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Delete("alice bob", result);
+    EXPECT_EQ(tools.Calls(), Names{"userdel alice bob"});
+}
+
+TEST_F(UserTest, GetGroupsRunsIdAndLeavesOutTheOwnNameGroup)
+{
+    tools.Install("id", 0, "alice video audio\n");
+    SmartPtr<IUser> user(new User);
+    std::vector<std::string> groups;
+    _Result result = ResultFail;
+    user->GetGroups("alice", groups, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(groups, (Names{"video", "audio"}));
+    EXPECT_EQ(tools.Calls(), Names{"id -nG alice"});
+}
+
+TEST_F(UserTest, GetGroupsForAUserInOnlyTheOwnNameGroupGivesFailAndNoNames)
+{
+    tools.Install("id", 0, "alice\n");
+    SmartPtr<IUser> user(new User);
+    std::vector<std::string> groups;
+    _Result result = ResultPass;
+    user->GetGroups("alice", groups, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(groups.empty());
+}
+
+TEST_F(UserTest, GetGroupsAppendsToWhatTheVectorHeld)
+{
+    tools.Install("id", 0, "alice\n");
+    SmartPtr<IUser> user(new User);
+    std::vector<std::string> groups{"earlier"};
+    _Result result = ResultFail;
+    user->GetGroups("alice", groups, result);
+    EXPECT_EQ(result, ResultPass) << "the vector is non-empty afterwards";
+    EXPECT_EQ(groups, Names{"earlier"});
+}
+
+TEST_F(UserTest, GetGroupsOfAnUnknownUserGivesFail)
+{
+    tools.Install("id", 1, "");
+    SmartPtr<IUser> user(new User);
+    std::vector<std::string> groups;
+    _Result result = ResultPass;
+    user->GetGroups("nobody-here", groups, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(groups.empty());
+}
+
+TEST_F(UserTest, NullArgumentsGiveFailAndRunNothing)
+{
+    tools.Install("useradd", 0);
+    tools.Install("userdel", 0);
+    tools.Install("id", 0, "root\n");
+    SmartPtr<IUser> user(new User);
+    std::vector<std::string> groups;
+    _Result result = ResultPass;
+    user->Add(nullptr, "Secret12", result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->Add("alice", nullptr, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->Delete(nullptr, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->GetGroups(nullptr, groups, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->Authenticate(nullptr, "x", result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->Authenticate("alice", nullptr, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->SetPassword("alice", nullptr, result);
+    EXPECT_EQ(result, ResultFail);
+    result = ResultPass;
+    user->SetPassword(nullptr, "x", result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(tools.Calls().empty());
+    EXPECT_TRUE(groups.empty());
+}
+
+TEST_F(UserTest, NullResultReferenceEndsTheProcessSilently)
+{
+    tools.Install("userdel", 0);
+    SmartPtr<IUser> user(new User);
+    EXPECT_FATAL_SILENT(user->Delete("alice", NullResultReference()));
+    EXPECT_TRUE(tools.Calls().empty());
+}
+
+TEST_F(UserTest, NullGroupsReferenceEndsTheProcessSilently)
+{
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    EXPECT_FATAL_SILENT(user->GetGroups("alice", NullGroupsReference(), result));
+}
+
+// --- The real shadow tools and id, on throwaway copies of the account files --
+
+namespace {
+
+constexpr const char* SystemSearchPath = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
+bool FileHasLineStartingWith(const std::string& file, const std::string& start)
+{
+    std::string content = "\n" + ReadFile(file);
+    return content.find("\n" + start) != std::string::npos;
+}
+
+// Every test here runs its inner test in a child whose /etc is a private
+// copy, and proves afterwards that the machine's own files are untouched.
+class UserSystemToolsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        std::string reason = MountNamespaceUnavailable();
+        if (!reason.empty())
+            GTEST_SKIP() << reason;
+        before = AccountFiles::Read();
+        ran = true;
+    }
+
+    void TearDown() override
+    {
+        if (!ran)
+            return;
+        AccountFiles after = AccountFiles::Read();
+        EXPECT_TRUE(after == before) << DescribeDifference(before, after);
+    }
+
+    ChildOutcome RunInside(const std::string& innerTest, Environment environment = Environment())
+    {
+        environment.emplace_back("PATH", SystemSearchPath);
+        return RunInnerTest(innerTest, environment, EnterThrowawayAccounts);
+    }
+
+    AccountFiles before;
+    bool ran = false;
+};
+
+} // namespace
+
+TEST(UserInsideThrowawayAccounts, AddAndDelete)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("kivtest1", "Secret12", result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_TRUE(FileHasLineStartingWith("/etc/passwd", "kivtest1:"));
+    EXPECT_TRUE(FileHasLineStartingWith("/etc/shadow", "kivtest1:" + SystemCrypt("Secret12", "Secret12") + ":"));
+    user->Add("kivtest1", "Secret12", result);
+    EXPECT_EQ(result, ResultFail) << "useradd refuses an existing user";
+    user->Delete("kivtest1", result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(FileHasLineStartingWith("/etc/passwd", "kivtest1:"));
+    EXPECT_FALSE(FileHasLineStartingWith("/etc/shadow", "kivtest1:"));
+    user->Delete("kivtest1", result);
+    EXPECT_EQ(result, ResultFail) << "userdel refuses a missing user";
+}
+
+TEST_F(UserSystemToolsTest, AddAndDeleteChangeOnlyTheThrowawayFiles)
+{
+    EXPECT_INNER_TEST_PASSED(RunInside("UserInsideThrowawayAccounts.AddAndDelete"));
+}
+
+TEST(UserInsideThrowawayAccounts, GetGroups)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("kivtest2", "Secret12", result);
+    ASSERT_EQ(result, ResultPass);
+    std::vector<std::string> groups;
+    user->GetGroups("kivtest2", groups, result);
+    EXPECT_EQ(result, ResultFail) << "only the own-name group so far";
+    EXPECT_TRUE(groups.empty());
+    ASSERT_EQ(std::system("groupadd kivvideo && groupadd kivaudio && usermod -aG kivvideo,kivaudio kivtest2"), 0);
+    user->GetGroups("kivtest2", groups, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(groups, (Names{"kivvideo", "kivaudio"}));
+    groups.clear();
+    user->GetGroups("kivnobody", groups, result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_TRUE(groups.empty());
+}
+
+TEST_F(UserSystemToolsTest, GetGroupsReadsTheRealIdOutput)
+{
+    EXPECT_INNER_TEST_PASSED(RunInside("UserInsideThrowawayAccounts.GetGroups"));
+}
+
+// --- PAM, through the real libpam with pam_wrapper preloaded ----------------
+
+namespace {
+
+std::string LibraryDirectory()
+{
+#if defined(__x86_64__)
+    return "/usr/lib/x86_64-linux-gnu";
+#elif defined(__aarch64__)
+    return "/usr/lib/aarch64-linux-gnu";
+#elif defined(__arm__)
+    return "/usr/lib/arm-linux-gnueabihf";
+#elif defined(__i386__)
+    return "/usr/lib/i386-linux-gnu";
+#else
+    return "/usr/lib";
+#endif
+}
+
+bool Exists(const std::string& path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0;
+}
+
+std::string ModuleLine(const std::string& type, const std::string& module)
+{
+    return type + " required " + module + "\n";
+}
+
+// Sets up pam_wrapper for one test: a service directory with a "check_user"
+// file and the environment that preloads the wrapper in the inner process.
+class UserPamTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (RunningUnderEmulation())
+            GTEST_SKIP() << "pam_wrapper cannot be preloaded into a program run by qemu-arm";
+        wrapper = LibraryDirectory() + "/libpam_wrapper.so";
+        matrix = LibraryDirectory() + "/pam_wrapper/pam_matrix.so";
+        if (!Exists(wrapper) || !Exists(matrix))
+            GTEST_SKIP() << "pam_wrapper is not installed (" << wrapper << ", " << matrix << ")";
+        ASSERT_EQ(mkdir(ServiceDirectory().c_str(), 0755), 0);
+        ASSERT_TRUE(WriteFile(PasswordFile(), "alice:secret:check_user\ncarol:secret:other_service\n"));
+    }
+
+    std::string ServiceDirectory() const { return directory.Path() + "/services"; }
+    std::string PasswordFile() const { return directory.Path() + "/passdb"; }
+
+    void WriteService(const std::string& content)
+    {
+        ASSERT_TRUE(WriteFile(ServiceDirectory() + "/check_user", content));
+    }
+
+    void UseMatrix()
+    {
+        std::string module = matrix + " passdb=" + PasswordFile();
+        WriteService(ModuleLine("auth", module) + ModuleLine("account", module) + ModuleLine("password", module));
+    }
+
+    Environment PamEnvironment() const
+    {
+        Environment environment = {
+            {"LD_PRELOAD", wrapper},
+            {"PAM_WRAPPER", "1"},
+            {"PAM_WRAPPER_SERVICE_DIR", ServiceDirectory()},
+            {"KIV_TEST_PASSDB", PasswordFile()},
+            {"PATH", SystemSearchPath},
+        };
+#if defined(__SANITIZE_ADDRESS__)
+        // The wrapper comes before the sanitizer runtime in the preload list,
+        // and deep binding does not mix with the sanitizer's interceptors.
+        const char* options = std::getenv("ASAN_OPTIONS");
+        environment.emplace_back("ASAN_OPTIONS", std::string(options != nullptr ? options : "") +
+                                                     ":verify_asan_link_order=0");
+        environment.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
+#endif
+        return environment;
+    }
+
+    TemporaryDirectory directory;
+    std::string wrapper;
+    std::string matrix;
+};
+
+void ExpectAuthenticate(const char* userName, const char* password, _Result expected)
+{
+    SmartPtr<IUser> user(new User);
+    _Result result = expected == ResultPass ? ResultFail : ResultPass;
+    user->Authenticate(userName, password, result);
+    EXPECT_EQ(result, expected) << userName << " / " << password;
+}
+
+} // namespace
+
+TEST(UserPamInner, RightPassword)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    ExpectAuthenticate("alice", "secret", ResultPass);
+}
+
+TEST_F(UserPamTest, AuthenticateWithTheRightPasswordGivesPass)
+{
+    UseMatrix();
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.RightPassword", PamEnvironment()));
+}
+
+TEST(UserPamInner, WrongPassword)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    ExpectAuthenticate("alice", "secreT", ResultFail);
+    ExpectAuthenticate("alice", "", ResultFail);
+    ExpectAuthenticate("nobody", "secret", ResultFail);
+}
+
+TEST_F(UserPamTest, AuthenticateWithAWrongPasswordGivesFail)
+{
+    UseMatrix();
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.WrongPassword", PamEnvironment()));
+}
+
+TEST(UserPamInner, RefusedAccount)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    // carol's password is right, but her account is only for another service.
+    ExpectAuthenticate("carol", "secret", ResultFail);
+}
+
+TEST_F(UserPamTest, AuthenticateAnAccountThatAccountManagementRefusesGivesFail)
+{
+    UseMatrix();
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.RefusedAccount", PamEnvironment()));
+}
+
+TEST(UserPamInner, DeniedAccount)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    ExpectAuthenticate("alice", "secret", ResultFail);
+}
+
+TEST_F(UserPamTest, AuthenticateGivesFailWhenAccountManagementDeniesAll)
+{
+    std::string module = matrix + " passdb=" + PasswordFile();
+    WriteService(ModuleLine("auth", module) + ModuleLine("account", LibraryDirectory() + "/security/pam_deny.so"));
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.DeniedAccount", PamEnvironment()));
+}
+
+TEST(UserPamInner, OldPasswordPromptGetsTheNewPassword)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    const char* passwordFile = std::getenv("KIV_TEST_PASSDB");
+    ASSERT_NE(passwordFile, nullptr);
+    std::string before = ReadFile(passwordFile);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultPass;
+    // pam_matrix asks for the old password first; it is answered with the
+    // new one, which does not match, so nothing changes.
+    user->SetPassword("alice", "changed1", result);
+    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(ReadFile(passwordFile), before);
+    ExpectAuthenticate("alice", "secret", ResultPass);
+}
+
+TEST_F(UserPamTest, SetPasswordAnswersEveryHiddenPromptWithTheNewPassword)
+{
+    UseMatrix();
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.OldPasswordPromptGetsTheNewPassword", PamEnvironment()));
+}
+
+TEST(UserPamInner, PamCannotStart)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    ExpectAuthenticate("alice", "secret", ResultFail);
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultPass;
+    user->SetPassword("alice", "changed1", result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(UserPamTest, MissingServiceGivesFail)
+{
+    // No "check_user" file, and no "other" to fall back on.
+    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.PamCannotStart", PamEnvironment()));
+}
+
+// pam_unix, on a throwaway copy of the account files: it does not ask root
+// for the old password, so the password really changes.
+namespace {
+
+class UserPamUnixTest : public UserPamTest
+{
+protected:
+    void SetUp() override
+    {
+        UserPamTest::SetUp();
+        if (IsSkipped() || HasFatalFailure())
+            return;
+        std::string reason = MountNamespaceUnavailable();
+        if (!reason.empty())
+            GTEST_SKIP() << reason;
+        std::string unix = LibraryDirectory() + "/security/pam_unix.so";
+        if (!Exists(unix))
+            GTEST_SKIP() << "pam_unix is not installed at " << unix;
+        WriteService(ModuleLine("auth", unix) + ModuleLine("account", unix) + ModuleLine("password", unix));
+        before = AccountFiles::Read();
+        ran = true;
+    }
+
+    void TearDown() override
+    {
+        if (!ran)
+            return;
+        AccountFiles after = AccountFiles::Read();
+        EXPECT_TRUE(after == before) << DescribeDifference(before, after);
+    }
+
+    ChildOutcome RunInside(const std::string& innerTest)
+    {
+        return RunInnerTest(innerTest, PamEnvironment(), EnterThrowawayAccounts);
+    }
+
+    AccountFiles before;
+    bool ran = false;
+};
+
+} // namespace
+
+TEST(UserPamUnixInner, SetPassword)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("kivtest3", "OldSecret1", result);
+    ASSERT_EQ(result, ResultPass);
+    ExpectAuthenticate("kivtest3", "OldSecret1", ResultPass);
+    user->SetPassword("kivtest3", "NewSecret2", result);
+    EXPECT_EQ(result, ResultPass);
+    ExpectAuthenticate("kivtest3", "NewSecret2", ResultPass);
+    ExpectAuthenticate("kivtest3", "OldSecret1", ResultFail);
+    user->SetPassword("kivnobody", "NewSecret2", result);
+    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(UserPamUnixTest, AfterSetPasswordOnlyTheNewPasswordAuthenticates)
+{
+    EXPECT_INNER_TEST_PASSED(RunInside("UserPamUnixInner.SetPassword"));
+}
+
+TEST(UserPamUnixInner, ExpiredAccount)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    SmartPtr<IUser> user(new User);
+    _Result result = ResultFail;
+    user->Add("kivtest4", "Secret12", result);
+    ASSERT_EQ(result, ResultPass);
+    ExpectAuthenticate("kivtest4", "Secret12", ResultPass);
+    // Expired on 1970-01-02: the password is right, account management says no.
+    ASSERT_EQ(std::system("usermod -e 1970-01-02 kivtest4"), 0);
+    ExpectAuthenticate("kivtest4", "Secret12", ResultFail);
+}
+
+TEST_F(UserPamUnixTest, AuthenticateAnExpiredAccountGivesFail)
+{
+    EXPECT_INNER_TEST_PASSED(RunInside("UserPamUnixInner.ExpiredAccount"));
+}

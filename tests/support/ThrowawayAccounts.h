@@ -1,0 +1,44 @@
+// ThrowawayAccounts.h - lets account tests run the real shadow tools
+// without touching the machine's accounts.
+//
+// EnterThrowawayAccounts, called in a forked child (for instance as the
+// preparation step of RunInnerTest), gives the child a private mount
+// namespace in which /etc is a tmpfs copy of the real one and /var/log,
+// /var/mail and /home are empty tmpfs mounts: useradd, groupadd, usermod and
+// PAM then change only the copies. AccountFiles takes a byte-for-byte
+// picture of the machine's real account files so that a test can prove they
+// did not change:
+//
+//   AccountFiles before = AccountFiles::Read();
+//   EXPECT_INNER_TEST_PASSED(RunInnerTest("...", {}, EnterThrowawayAccounts));
+//   EXPECT_EQ(AccountFiles::Read(), before);
+#ifndef KIV_TESTS_THROWAWAYACCOUNTS_H
+#define KIV_TESTS_THROWAWAYACCOUNTS_H
+
+#include <map>
+#include <string>
+
+namespace KivTest {
+
+/// For a forked child only: private mount namespace, tmpfs copy of /etc,
+/// empty tmpfs over /var/log, /var/mail and /home. Empty on success, else
+/// what failed.
+std::string EnterThrowawayAccounts();
+
+/// The content of each account file of the machine (passwd, shadow, group,
+/// gshadow, subuid, subgid, and the login records in /var/log), by path;
+/// a missing file reads as "<missing>".
+struct AccountFiles
+{
+    std::map<std::string, std::string> contents;
+
+    static AccountFiles Read();
+    bool operator==(const AccountFiles& other) const { return contents == other.contents; }
+};
+
+/// Names the files that differ, for failure messages.
+std::string DescribeDifference(const AccountFiles& before, const AccountFiles& after);
+
+} // namespace KivTest
+
+#endif
