@@ -11,6 +11,7 @@
 #include "PosixResultPassFail.h"
 #include "PosixThreadPriorityMap.h"
 #include "PosixTimespecOffsetCalculator.h"
+#include "User.h"
 
 #include <ctime>
 
@@ -88,7 +89,7 @@ IDirectoryManager* LinuxPlatform::CreateDirectoryManager()
 
 IUser* LinuxPlatform::CreateUser()
 {
-    return nullptr;  // User is wired here by the accounts area.
+    return new User;
 }
 
 IUserGroup* LinuxPlatform::CreateUserGroup()

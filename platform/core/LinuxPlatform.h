@@ -43,6 +43,7 @@ public:
     ISystemClock* CreateSystemClock() override;
     IFileManager* CreateFileManager() override;
     IDirectoryManager* CreateDirectoryManager() override;
+    /// A new User (default construction).
     IUser* CreateUser() override;
     IUserGroup* CreateUserGroup() override;
     ILogManager* CreateLogManager() override;

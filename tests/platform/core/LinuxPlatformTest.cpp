@@ -16,6 +16,7 @@
 #include "PosixThreadPriorityMap.h"
 #include "ScopedLock.h"
 #include "SmartPtr.h"
+#include "User.h"
 
 #include <gtest/gtest.h>
 
@@ -108,6 +109,11 @@ TEST_F(LinuxPlatformTest, CreateSemaphoreReturnsANewPosixSemaphoreAtZeroWithCoun
     ExpectTwoNewObjectsWithCountZero<PosixSemaphore>(*platform, &IPlatform::CreateSemaphore);
     SmartPtr<ISemaphore> semaphore(platform->CreateSemaphore());
     EXPECT_EQ(semaphore->GetValue(), 0);
+}
+
+TEST_F(LinuxPlatformTest, CreateUserReturnsANewUserWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<User>(*platform, &IPlatform::CreateUser);
 }
 
 TEST_F(LinuxPlatformTest, CreateThreadReturnsANewPosixThreadWithCountZero)
