@@ -484,10 +484,16 @@ protected:
 #if defined(__SANITIZE_ADDRESS__)
         // The wrapper comes before the sanitizer runtime in the preload list,
         // and deep binding does not mix with the sanitizer's interceptors.
+        // pam_wrapper 1.1.4 reads the switch under the uid_wrapper name.
         const char* options = std::getenv("ASAN_OPTIONS");
         environment.emplace_back("ASAN_OPTIONS", std::string(options != nullptr ? options : "") +
                                                      ":verify_asan_link_order=0");
         environment.emplace_back("PAM_WRAPPER_DISABLE_DEEPBIND", "1");
+        environment.emplace_back("UID_WRAPPER_DISABLE_DEEPBIND", "1");
+        // libpam itself loses a little memory when pam_start fails.
+        std::string suppressions = directory.Path() + "/leaks.supp";
+        WriteFile(suppressions, "leak:libpam.so\n");
+        environment.emplace_back("LSAN_OPTIONS", "suppressions=" + suppressions + ":print_suppressions=0");
 #endif
         return environment;
     }
