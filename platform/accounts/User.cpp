@@ -18,14 +18,22 @@ void CheckResultReference(_Result& result)
         FatalError(L"User: result NULL reference.");
 }
 
-// Opens a "check_user" transaction for userName that answers with password;
-// null when PAM cannot start it.
-pam_handle_t* StartTransaction(const char* userName, const struct pam_conv& conversation)
+// Runs one "check_user" transaction for userName in which every hidden
+// prompt is answered with password; step makes the PAM calls and returns the
+// status of the last one, which pam_end gets too. 500 when PAM cannot start.
+template <typename Step>
+_Result RunTransaction(const char* userName, const char* password, Step step)
 {
+    if (userName == nullptr || password == nullptr)
+        return ResultFail;
+    PamConversation answers(password);
+    struct pam_conv conversation = {PamConversation::Converse, &answers};
     pam_handle_t* handle = nullptr;
     if (pam_start(PamConversation::ServiceName, userName, &conversation, &handle) != PAM_SUCCESS)
-        return nullptr;
-    return handle;
+        return ResultFail;
+    int status = step(handle);
+    pam_end(handle, status);
+    return status == PAM_SUCCESS ? ResultPass : ResultFail;
 }
 
 } // namespace
@@ -33,19 +41,12 @@ pam_handle_t* StartTransaction(const char* userName, const struct pam_conv& conv
 void User::Authenticate(const char* userName, const char* password, _Result& result)
 {
     CheckResultReference(result);
-    result = ResultFail;
-    if (userName == nullptr || password == nullptr)
-        return;
-    PamConversation answers(password);
-    struct pam_conv conversation = {PamConversation::Converse, &answers};
-    pam_handle_t* handle = StartTransaction(userName, conversation);
-    if (handle == nullptr)
-        return;
-    int status = pam_authenticate(handle, PAM_SILENT);
-    if (status == PAM_SUCCESS)
-        status = pam_acct_mgmt(handle, 0);
-    pam_end(handle, status);
-    result = status == PAM_SUCCESS ? ResultPass : ResultFail;
+    result = RunTransaction(userName, password, [](pam_handle_t* handle) {
+        int status = pam_authenticate(handle, PAM_SILENT);
+        if (status == PAM_SUCCESS)
+            status = pam_acct_mgmt(handle, 0);
+        return status;
+    });
 }
 
 void User::Add(const char* userName, const char* password, _Result& result)
@@ -57,13 +58,7 @@ void User::Add(const char* userName, const char* password, _Result& result)
     const char* hash = HashPassword(password);
     if (hash == nullptr)
         return;
-    char* commandLine = ShellCommand::Format("useradd %s -p %s", userName, hash);
-    if (commandLine == nullptr)
-        return;
-    result = ShellCommand::Run(commandLine);
-    // The line holds the password hash.
-    ShellCommand::Wipe(commandLine);
-    ReleaseCommandLine(commandLine);
+    result = RunAndWipe(ShellCommand::Format("useradd %s -p %s", userName, hash));
 }
 
 void User::Delete(const char* userName, _Result& result)
@@ -72,12 +67,7 @@ void User::Delete(const char* userName, _Result& result)
     result = ResultFail;
     if (userName == nullptr)
         return;
-    char* commandLine = ShellCommand::Format("userdel %s", userName);
-    if (commandLine == nullptr)
-        return;
-    result = ShellCommand::Run(commandLine);
-    ShellCommand::Wipe(commandLine);
-    ReleaseCommandLine(commandLine);
+    result = RunAndWipe(ShellCommand::Format("userdel %s", userName));
 }
 
 void User::GetGroups(const char* userName, std::vector<std::string>& groups, _Result& result)
@@ -95,17 +85,19 @@ void User::GetGroups(const char* userName, std::vector<std::string>& groups, _Re
 void User::SetPassword(const char* userName, const char* newPassword, _Result& result)
 {
     CheckResultReference(result);
-    result = ResultFail;
-    if (userName == nullptr || newPassword == nullptr)
-        return;
-    PamConversation answers(newPassword);
-    struct pam_conv conversation = {PamConversation::Converse, &answers};
-    pam_handle_t* handle = StartTransaction(userName, conversation);
-    if (handle == nullptr)
-        return;
-    int status = pam_chauthtok(handle, PAM_SILENT);
-    pam_end(handle, status);
-    result = status == PAM_SUCCESS ? ResultPass : ResultFail;
+    result = RunTransaction(userName, newPassword,
+                            [](pam_handle_t* handle) { return pam_chauthtok(handle, PAM_SILENT); });
+}
+
+_Result User::RunAndWipe(char* commandLine)
+{
+    if (commandLine == nullptr)
+        return ResultFail;
+    _Result result = ShellCommand::Run(commandLine);
+    // The useradd line holds the password hash.
+    ShellCommand::Wipe(commandLine);
+    ReleaseCommandLine(commandLine);
+    return result;
 }
 
 const char* User::HashPassword(const char* password)

@@ -47,6 +47,11 @@ protected:
     /// Frees a command line of Add or Delete, already overwritten with zero
     /// bytes.
     virtual void ReleaseCommandLine(char* commandLine);
+
+private:
+    /// Runs a line from ShellCommand::Format (null gives 500), then wipes it
+    /// and hands it to ReleaseCommandLine.
+    _Result RunAndWipe(char* commandLine);
 };
 
 } // namespace KivPlr

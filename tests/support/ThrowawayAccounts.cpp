@@ -3,6 +3,8 @@
 #include "PrivateMountNamespace.h"
 #include "TemporaryDirectory.h"
 
+#include <gtest/gtest.h>
+
 #include <sys/stat.h>
 
 namespace KivTest {
@@ -47,6 +49,15 @@ std::string DescribeDifference(const AccountFiles& before, const AccountFiles& a
             text += entry.first + " changed; ";
     }
     return text.empty() ? "no difference" : text;
+}
+
+ChildOutcome RunWithThrowawayAccounts(const std::string& innerTest, const Environment& environment)
+{
+    AccountFiles before = AccountFiles::Read();
+    ChildOutcome outcome = RunInnerTest(innerTest, environment, EnterThrowawayAccounts);
+    AccountFiles after = AccountFiles::Read();
+    EXPECT_TRUE(after == before) << DescribeDifference(before, after);
+    return outcome;
 }
 
 } // namespace KivTest

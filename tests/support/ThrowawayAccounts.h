@@ -6,14 +6,15 @@
 // namespace in which /etc is a tmpfs copy of the real one and /var/log,
 // /var/mail and /home are empty tmpfs mounts: useradd, groupadd, usermod and
 // PAM then change only the copies. AccountFiles takes a byte-for-byte
-// picture of the machine's real account files so that a test can prove they
-// did not change:
+// picture of the machine's real account files; RunWithThrowawayAccounts
+// runs an inner test (InnerTest.h) that way and proves afterwards that the
+// machine's files did not change:
 //
-//   AccountFiles before = AccountFiles::Read();
-//   EXPECT_INNER_TEST_PASSED(RunInnerTest("...", {}, EnterThrowawayAccounts));
-//   EXPECT_EQ(AccountFiles::Read(), before);
+//   EXPECT_INNER_TEST_PASSED(RunWithThrowawayAccounts("UserInside.AddAndDelete", environment));
 #ifndef KIV_TESTS_THROWAWAYACCOUNTS_H
 #define KIV_TESTS_THROWAWAYACCOUNTS_H
+
+#include "InnerTest.h"
 
 #include <map>
 #include <string>
@@ -38,6 +39,10 @@ struct AccountFiles
 
 /// Names the files that differ, for failure messages.
 std::string DescribeDifference(const AccountFiles& before, const AccountFiles& after);
+
+/// RunInnerTest with EnterThrowawayAccounts as the preparation; adds a test
+/// failure when any of the machine's account files differs afterwards.
+ChildOutcome RunWithThrowawayAccounts(const std::string& innerTest, const Environment& environment);
 
 } // namespace KivTest
 

@@ -337,26 +337,12 @@ protected:
         std::string reason = MountNamespaceUnavailable();
         if (!reason.empty())
             GTEST_SKIP() << reason;
-        before = AccountFiles::Read();
-        ran = true;
     }
 
-    void TearDown() override
+    ChildOutcome RunInside(const std::string& innerTest)
     {
-        if (!ran)
-            return;
-        AccountFiles after = AccountFiles::Read();
-        EXPECT_TRUE(after == before) << DescribeDifference(before, after);
+        return RunWithThrowawayAccounts(innerTest, {{"PATH", SystemSearchPath}});
     }
-
-    ChildOutcome RunInside(const std::string& innerTest, Environment environment = Environment())
-    {
-        environment.emplace_back("PATH", SystemSearchPath);
-        return RunInnerTest(innerTest, environment, EnterThrowawayAccounts);
-    }
-
-    AccountFiles before;
-    bool ran = false;
 };
 
 } // namespace
@@ -498,6 +484,12 @@ protected:
         return environment;
     }
 
+    /// Runs UserPamInner.<name> with pam_wrapper preloaded and expects it to pass.
+    void ExpectInnerPasses(const std::string& name)
+    {
+        EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner." + name, PamEnvironment()));
+    }
+
     TemporaryDirectory directory;
     std::string wrapper;
     std::string matrix;
@@ -522,7 +514,7 @@ TEST(UserPamInner, RightPassword)
 TEST_F(UserPamTest, AuthenticateWithTheRightPasswordGivesPass)
 {
     UseMatrix();
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.RightPassword", PamEnvironment()));
+    ExpectInnerPasses("RightPassword");
 }
 
 TEST(UserPamInner, WrongPassword)
@@ -536,7 +528,7 @@ TEST(UserPamInner, WrongPassword)
 TEST_F(UserPamTest, AuthenticateWithAWrongPasswordGivesFail)
 {
     UseMatrix();
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.WrongPassword", PamEnvironment()));
+    ExpectInnerPasses("WrongPassword");
 }
 
 TEST(UserPamInner, RefusedAccount)
@@ -549,7 +541,7 @@ TEST(UserPamInner, RefusedAccount)
 TEST_F(UserPamTest, AuthenticateAnAccountThatAccountManagementRefusesGivesFail)
 {
     UseMatrix();
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.RefusedAccount", PamEnvironment()));
+    ExpectInnerPasses("RefusedAccount");
 }
 
 TEST(UserPamInner, DeniedAccount)
@@ -562,7 +554,7 @@ TEST_F(UserPamTest, AuthenticateGivesFailWhenAccountManagementDeniesAll)
 {
     std::string module = matrix + " passdb=" + PasswordFile();
     WriteService(ModuleLine("auth", module) + ModuleLine("account", LibraryDirectory() + "/security/pam_deny.so"));
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.DeniedAccount", PamEnvironment()));
+    ExpectInnerPasses("DeniedAccount");
 }
 
 TEST(UserPamInner, OldPasswordPromptGetsTheNewPassword)
@@ -584,7 +576,7 @@ TEST(UserPamInner, OldPasswordPromptGetsTheNewPassword)
 TEST_F(UserPamTest, SetPasswordAnswersEveryHiddenPromptWithTheNewPassword)
 {
     UseMatrix();
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.OldPasswordPromptGetsTheNewPassword", PamEnvironment()));
+    ExpectInnerPasses("OldPasswordPromptGetsTheNewPassword");
 }
 
 TEST(UserPamInner, PamCannotStart)
@@ -600,7 +592,7 @@ TEST(UserPamInner, PamCannotStart)
 TEST_F(UserPamTest, MissingServiceGivesFail)
 {
     // No "check_user" file, and no "other" to fall back on.
-    EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.PamCannotStart", PamEnvironment()));
+    ExpectInnerPasses("PamCannotStart");
 }
 
 // pam_unix, on a throwaway copy of the account files: it does not ask root
@@ -622,25 +614,12 @@ protected:
         if (!Exists(unix))
             GTEST_SKIP() << "pam_unix is not installed at " << unix;
         WriteService(ModuleLine("auth", unix) + ModuleLine("account", unix) + ModuleLine("password", unix));
-        before = AccountFiles::Read();
-        ran = true;
-    }
-
-    void TearDown() override
-    {
-        if (!ran)
-            return;
-        AccountFiles after = AccountFiles::Read();
-        EXPECT_TRUE(after == before) << DescribeDifference(before, after);
     }
 
     ChildOutcome RunInside(const std::string& innerTest)
     {
-        return RunInnerTest(innerTest, PamEnvironment(), EnterThrowawayAccounts);
+        return RunWithThrowawayAccounts(innerTest, PamEnvironment());
     }
-
-    AccountFiles before;
-    bool ran = false;
 };
 
 } // namespace
