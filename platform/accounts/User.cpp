@@ -2,7 +2,7 @@
 
 #include "FatalError.h"
 #include "PamConversation.h"
-#include "ShellCommand.h"
+#include "AccountTool.h"
 #include "UserGroupList.h"
 
 #include <crypt.h>
@@ -58,7 +58,7 @@ void User::Add(const char* userName, const char* password, _Result& result)
     const char* hash = HashPassword(password);
     if (hash == nullptr)
         return;
-    result = RunAndWipe(ShellCommand::Format("useradd %s -p %s", userName, hash));
+    result = RunAndWipe(AccountTool::Format("useradd %s -p %s", userName, hash));
 }
 
 void User::Delete(const char* userName, _Result& result)
@@ -67,7 +67,7 @@ void User::Delete(const char* userName, _Result& result)
     result = ResultFail;
     if (userName == nullptr)
         return;
-    result = RunAndWipe(ShellCommand::Format("userdel %s", userName));
+    result = RunAndWipe(AccountTool::Format("userdel %s", userName));
 }
 
 void User::GetGroups(const char* userName, std::vector<std::string>& groups, _Result& result)
@@ -93,9 +93,9 @@ _Result User::RunAndWipe(char* commandLine)
 {
     if (commandLine == nullptr)
         return ResultFail;
-    _Result result = ShellCommand::Run(commandLine);
+    _Result result = AccountTool::Run(commandLine);
     // The useradd line holds the password hash.
-    ShellCommand::Wipe(commandLine);
+    AccountTool::Wipe(commandLine);
     ReleaseCommandLine(commandLine);
     return result;
 }
@@ -107,7 +107,7 @@ const char* User::HashPassword(const char* password)
 
 void User::ReleaseCommandLine(char* commandLine)
 {
-    ShellCommand::Release(commandLine);
+    AccountTool::Release(commandLine);
 }
 
 } // namespace KivPlr

@@ -49,7 +49,7 @@ protected:
     virtual void ReleaseCommandLine(char* commandLine);
 
 private:
-    /// Runs a line from ShellCommand::Format (null gives 500), then wipes it
+    /// Runs a line from AccountTool::Format (null gives 500), then wipes it
     /// and hands it to ReleaseCommandLine.
     _Result RunAndWipe(char* commandLine);
 };

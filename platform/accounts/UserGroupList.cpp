@@ -1,6 +1,6 @@
 #include "UserGroupList.h"
 
-#include "ShellCommand.h"
+#include "AccountTool.h"
 
 namespace KivPlr {
 
@@ -10,7 +10,7 @@ void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<st
         return;
     std::string commandLine = std::string("id -nG ") + userName;
     std::string output;
-    ShellCommand::ReadOutput(commandLine.c_str(), output);
+    AccountTool::ReadOutput(commandLine.c_str(), output);
     Split(output, userName, ownGroup, groups);
 }
 

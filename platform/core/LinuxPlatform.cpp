@@ -12,6 +12,7 @@
 #include "PosixThreadPriorityMap.h"
 #include "PosixTimespecOffsetCalculator.h"
 #include "User.h"
+#include "UserGroup.h"
 
 #include <ctime>
 
@@ -94,7 +95,7 @@ IUser* LinuxPlatform::CreateUser()
 
 IUserGroup* LinuxPlatform::CreateUserGroup()
 {
-    return nullptr;  // UserGroup is wired here by the accounts area.
+    return new UserGroup;
 }
 
 ILogManager* LinuxPlatform::CreateLogManager()

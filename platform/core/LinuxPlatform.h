@@ -45,6 +45,7 @@ public:
     IDirectoryManager* CreateDirectoryManager() override;
     /// A new User (default construction).
     IUser* CreateUser() override;
+    /// A new UserGroup (default construction).
     IUserGroup* CreateUserGroup() override;
     ILogManager* CreateLogManager() override;
 

@@ -21,9 +21,9 @@
 
 namespace KivTest {
 
-/// For a forked child only: private mount namespace, tmpfs copy of /etc,
-/// empty tmpfs over /var/log, /var/mail and /home. Empty on success, else
-/// what failed.
+/// For a forked child only: private mount namespace (MountNamespace.h),
+/// tmpfs copy of /etc, empty tmpfs over /var/log, /var/mail and /home.
+/// Empty on success, else what failed. Check MountNamespace::Available first.
 std::string EnterThrowawayAccounts();
 
 /// The content of each account file of the machine (passwd, shadow, group,

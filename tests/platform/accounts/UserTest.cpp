@@ -1,7 +1,8 @@
 #include "ChildProcess.h"
 #include "Emulation.h"
 #include "InnerTest.h"
-#include "PrivateMountNamespace.h"
+#include "MountNamespace.h"
+#include "NullReference.h"
 #include "RecordingShellTools.h"
 #include "SmartPtr.h"
 #include "TemporaryDirectory.h"
@@ -86,19 +87,8 @@ private:
     std::string previous;
 };
 
-__attribute__((no_sanitize("undefined"))) _Result& NullResultReference()
-{
-    _Result* pointer = nullptr;
-    asm volatile("" : "+r"(pointer));
-    return *pointer;
-}
-
-__attribute__((no_sanitize("undefined"))) std::vector<std::string>& NullGroupsReference()
-{
-    std::vector<std::string>* pointer = nullptr;
-    asm volatile("" : "+r"(pointer));
-    return *pointer;
-}
+KIV_NULL_REFERENCE(NullResultReference, _Result)
+KIV_NULL_REFERENCE(NullGroupsReference, std::vector<std::string>)
 
 class UserTest : public ::testing::Test
 {
@@ -334,8 +324,8 @@ class UserSystemToolsTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        std::string reason = MountNamespaceUnavailable();
-        if (!reason.empty())
+        std::string reason;
+        if (!MountNamespace::Available(reason))
             GTEST_SKIP() << reason;
     }
 
@@ -495,6 +485,14 @@ protected:
     std::string matrix;
 };
 
+// The shells and tools that the inner test starts need no PAM wrapper: each
+// would set up a wrapper directory of its own and, replaced by exec, never
+// remove it. This process keeps the wrapper it was started with.
+void StopPreloadingIntoChildren()
+{
+    unsetenv("LD_PRELOAD");
+}
+
 void ExpectAuthenticate(const char* userName, const char* password, _Result expected)
 {
     SmartPtr<IUser> user(new User);
@@ -607,8 +605,8 @@ protected:
         UserPamTest::SetUp();
         if (IsSkipped() || HasFatalFailure())
             return;
-        std::string reason = MountNamespaceUnavailable();
-        if (!reason.empty())
+        std::string reason;
+        if (!MountNamespace::Available(reason))
             GTEST_SKIP() << reason;
         std::string unix = LibraryDirectory() + "/security/pam_unix.so";
         if (!Exists(unix))
@@ -627,6 +625,7 @@ protected:
 TEST(UserPamUnixInner, SetPassword)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
+    StopPreloadingIntoChildren();
     SmartPtr<IUser> user(new User);
     _Result result = ResultFail;
     user->Add("kivtest3", "OldSecret1", result);
@@ -648,6 +647,7 @@ TEST_F(UserPamUnixTest, AfterSetPasswordOnlyTheNewPasswordAuthenticates)
 TEST(UserPamUnixInner, ExpiredAccount)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
+    StopPreloadingIntoChildren();
     SmartPtr<IUser> user(new User);
     _Result result = ResultFail;
     user->Add("kivtest4", "Secret12", result);

@@ -17,6 +17,7 @@
 #include "ScopedLock.h"
 #include "SmartPtr.h"
 #include "User.h"
+#include "UserGroup.h"
 
 #include <gtest/gtest.h>
 
@@ -114,6 +115,11 @@ TEST_F(LinuxPlatformTest, CreateSemaphoreReturnsANewPosixSemaphoreAtZeroWithCoun
 TEST_F(LinuxPlatformTest, CreateUserReturnsANewUserWithCountZero)
 {
     ExpectTwoNewObjectsWithCountZero<User>(*platform, &IPlatform::CreateUser);
+}
+
+TEST_F(LinuxPlatformTest, CreateUserGroupReturnsANewUserGroupWithCountZero)
+{
+    ExpectTwoNewObjectsWithCountZero<UserGroup>(*platform, &IPlatform::CreateUserGroup);
 }
 
 TEST_F(LinuxPlatformTest, CreateThreadReturnsANewPosixThreadWithCountZero)

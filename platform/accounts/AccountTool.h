@@ -1,4 +1,4 @@
-// ShellCommand.h - how the account classes run the system's shadow tools.
+// AccountTool.h - how the account classes run the system's shadow tools.
 //
 // User and UserGroup format a command line into a heap buffer sized for it,
 // hand it to the shell with system() and judge it by the exit status; the
@@ -6,11 +6,11 @@
 // stateless and may be called from any thread; each call blocks until the
 // shell it started has ended.
 //
-//   char* line = ShellCommand::Format("groupadd %s", groupName);
-//   _Result result = line != nullptr ? ShellCommand::Run(line) : ResultFail;
-//   ShellCommand::Release(line);
-#ifndef KIVPLR_SHELLCOMMAND_H
-#define KIVPLR_SHELLCOMMAND_H
+//   char* line = AccountTool::Format("groupadd %s", groupName);
+//   _Result result = line != nullptr ? AccountTool::Run(line) : ResultFail;
+//   AccountTool::Release(line);
+#ifndef KIVPLR_ACCOUNTTOOL_H
+#define KIVPLR_ACCOUNTTOOL_H
 
 #include "Result.h"
 
@@ -18,7 +18,7 @@
 
 namespace KivPlr {
 
-class ShellCommand
+class AccountTool
 {
 public:
     /// Size of the pieces in which ReadOutput collects a command's output.

@@ -1,4 +1,4 @@
-#include "ShellCommand.h"
+#include "AccountTool.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -8,7 +8,7 @@
 
 namespace KivPlr {
 
-char* ShellCommand::Format(const char* format, ...)
+char* AccountTool::Format(const char* format, ...)
 {
     if (format == nullptr)
         return nullptr;
@@ -32,7 +32,7 @@ char* ShellCommand::Format(const char* format, ...)
     return buffer;
 }
 
-_Result ShellCommand::Run(const char* commandLine)
+_Result AccountTool::Run(const char* commandLine)
 {
     // system(NULL) only asks whether a shell exists; it runs nothing.
     if (commandLine == nullptr)
@@ -40,14 +40,14 @@ _Result ShellCommand::Run(const char* commandLine)
     return ResultOfStatus(std::system(commandLine));
 }
 
-_Result ShellCommand::ResultOfStatus(int status)
+_Result AccountTool::ResultOfStatus(int status)
 {
     if (status == -1)
         return ResultFail;
     return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? ResultPass : ResultFail;
 }
 
-void ShellCommand::ReadOutput(const char* commandLine, std::string& output)
+void AccountTool::ReadOutput(const char* commandLine, std::string& output)
 {
     if (commandLine == nullptr)
         return;
@@ -62,18 +62,18 @@ void ShellCommand::ReadOutput(const char* commandLine, std::string& output)
     pclose(pipe);
 }
 
-void ShellCommand::Wipe(char* buffer)
+void AccountTool::Wipe(char* buffer)
 {
     if (buffer != nullptr)
         explicit_bzero(buffer, std::strlen(buffer));
 }
 
-void ShellCommand::Release(char* buffer)
+void AccountTool::Release(char* buffer)
 {
     std::free(buffer);
 }
 
-void ShellCommand::WipeAndRelease(char* buffer)
+void AccountTool::WipeAndRelease(char* buffer)
 {
     Wipe(buffer);
     Release(buffer);
