@@ -21,6 +21,9 @@
 
 namespace KivTest {
 
+/// A PATH on which the system's shadow tools are found, for inner tests.
+constexpr const char* SystemSearchPath = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
 /// For a forked child only: private mount namespace (MountNamespace.h),
 /// tmpfs copy of /etc, empty tmpfs over /var/log, /var/mail and /home.
 /// Empty on success, else what failed. Check MountNamespace::Available first.

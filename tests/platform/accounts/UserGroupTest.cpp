@@ -322,8 +322,6 @@ TEST_F(UserGroupMembersTest, UnreadableFileWithANonEmptyVectorGivesPass)
 
 namespace {
 
-constexpr const char* SystemSearchPath = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
-
 class UserGroupSystemToolsTest : public ::testing::Test
 {
 protected:

@@ -309,8 +309,6 @@ TEST_F(UserTest, NullGroupsReferenceEndsTheProcessSilently)
 
 namespace {
 
-constexpr const char* SystemSearchPath = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
-
 bool FileHasLineStartingWith(const std::string& file, const std::string& start)
 {
     std::string content = "\n" + ReadFile(file);
