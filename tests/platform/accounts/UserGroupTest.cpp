@@ -335,7 +335,7 @@ protected:
     void ExpectInnerPasses(const std::string& name)
     {
         EXPECT_INNER_TEST_PASSED(
-            RunWithThrowawayAccounts("UserGroupInsideThrowawayAccounts." + name, {{"PATH", SystemSearchPath}}));
+            RunWithThrowawayAccounts("UserGroupAccountsInner." + name, {{"PATH", SystemSearchPath}}));
     }
 };
 
@@ -359,7 +359,7 @@ Names GroupsOf(const char* userName)
 
 } // namespace
 
-TEST(UserGroupInsideThrowawayAccounts, AddAndDelete)
+TEST(UserGroupAccountsInner, AddAndDelete)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
     SmartPtr<IUserGroup> group(new UserGroup);
@@ -382,7 +382,7 @@ TEST_F(UserGroupSystemToolsTest, AddAndDeleteChangeOnlyTheThrowawayFiles)
     ExpectInnerPasses("AddAndDelete");
 }
 
-TEST(UserGroupInsideThrowawayAccounts, Membership)
+TEST(UserGroupAccountsInner, Membership)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
     AddUser("kivtest5");
@@ -432,7 +432,7 @@ TEST_F(UserGroupSystemToolsTest, MembershipWorksWithTheRealTools)
     ExpectInnerPasses("Membership");
 }
 
-TEST(UserGroupInsideThrowawayAccounts, GetMembersReadsEtcGroup)
+TEST(UserGroupAccountsInner, GetMembersReadsEtcGroup)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
     ASSERT_TRUE(WriteFile("/etc/group", "root:x:0:\nV:x:100:u1,u2\nW:x:101:\n"));

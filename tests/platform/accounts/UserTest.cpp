@@ -335,7 +335,7 @@ protected:
 
 } // namespace
 
-TEST(UserInsideThrowawayAccounts, AddAndDelete)
+TEST(UserAccountsInner, AddAndDelete)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
     SmartPtr<IUser> user(new User);
@@ -356,10 +356,10 @@ TEST(UserInsideThrowawayAccounts, AddAndDelete)
 
 TEST_F(UserSystemToolsTest, AddAndDeleteChangeOnlyTheThrowawayFiles)
 {
-    EXPECT_INNER_TEST_PASSED(RunInside("UserInsideThrowawayAccounts.AddAndDelete"));
+    EXPECT_INNER_TEST_PASSED(RunInside("UserAccountsInner.AddAndDelete"));
 }
 
-TEST(UserInsideThrowawayAccounts, GetGroups)
+TEST(UserAccountsInner, GetGroups)
 {
     KIV_SKIP_UNLESS_INNER_TEST();
     SmartPtr<IUser> user(new User);
@@ -382,7 +382,7 @@ TEST(UserInsideThrowawayAccounts, GetGroups)
 
 TEST_F(UserSystemToolsTest, GetGroupsReadsTheRealIdOutput)
 {
-    EXPECT_INNER_TEST_PASSED(RunInside("UserInsideThrowawayAccounts.GetGroups"));
+    EXPECT_INNER_TEST_PASSED(RunInside("UserAccountsInner.GetGroups"));
 }
 
 // --- PAM, through the real libpam with pam_wrapper preloaded ----------------
