@@ -1,5 +1,6 @@
 #include "DiscoverableServices.h"
 
+#include "DirectoryManager.h"
 #include "Discovery.h"
 #include "IMetadata.h"
 #include "IPlatform.h"
@@ -9,11 +10,11 @@
 #include "MetadataStatusNetwork.h"
 #include "MetadataStatusOutput.h"
 #include "MetadataTimezone.h"
+#include "Path.h"
 #include "Platform.h"
 #include "ScopedLock.h"
 
 #include <cstdio>
-#include <unistd.h>
 
 namespace KivConfig {
 
@@ -121,17 +122,21 @@ void DiscoverableServices::BuildMetadata(std::string& metadata)
 
 void DiscoverableServices::EnterOutputDirectory()
 {
-    char current[4096];
-    if (getcwd(current, sizeof current) != nullptr)
-        savedWorkingDirectory = current;
-    int ignored = chdir(outputDirectory.c_str());
-    (void)ignored;
+    // A manager of its own rather than the platform's: the publisher must
+    // work whichever platform is installed. The results are not examined; if
+    // the directory cannot be entered the description lands wherever the
+    // working directory is, and the next cycle tries again.
+    KivPlr::SmartPtr<KivPlr::IDirectoryManager> directories(new KivPlr::DirectoryManager);
+    KivPlr::_Result result = KivPlr::ResultPass;
+    directories->GetCurrent(savedWorkingDirectory, result);
+    directories->SetCurrent(KivPlr::Path(outputDirectory), result);
 }
 
 void DiscoverableServices::LeaveOutputDirectory()
 {
-    int ignored = chdir(savedWorkingDirectory.c_str());
-    (void)ignored;
+    KivPlr::SmartPtr<KivPlr::IDirectoryManager> directories(new KivPlr::DirectoryManager);
+    KivPlr::_Result result = KivPlr::ResultPass;
+    directories->SetCurrent(KivPlr::Path(savedWorkingDirectory), result);
 }
 
 } // namespace KivConfig
