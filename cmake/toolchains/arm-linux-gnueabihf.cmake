@@ -13,13 +13,6 @@ set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
 
-# Large-file interfaces: without them readdir and stat fail with EOVERFLOW on
-# file systems whose inode numbers or sizes pass 32 bits. time_t keeps its
-# 32 bits; the library's own numbers keep the widths their interfaces declare
-# (Seek still uses the low 32 bits of its offset).
-set(CMAKE_C_FLAGS_INIT "-D_FILE_OFFSET_BITS=64")
-set(CMAKE_CXX_FLAGS_INIT "-D_FILE_OFFSET_BITS=64")
-
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 
