@@ -188,6 +188,19 @@ TEST(TimePointTest, TextShorterThan24CharactersEndsTheProcessWithoutReadingPastI
     }
 }
 
+TEST(TimePointTest, CharactersLeftPastTheEndOfAShortenedTextAreNotRead)
+{
+    // Shortening a string only moves its terminating NUL: the old characters,
+    // a whole valid date among them, stay in the buffer behind it. A reader
+    // that went by the fixed offsets alone would find the year there.
+    for (std::size_t length = 7; length < 20; ++length) {
+        std::string text = "Sat Jan 31 23:59:59 2000";
+        text.resize(length);
+        SCOPED_TRACE(length);
+        EXPECT_FATAL_MESSAGE(TimePoint{text}, L"year out of range");
+    }
+}
+
 TEST(TimePointTest, TextOfExactly24CharactersIsEnough)
 {
     TimePoint point(std::string("Sat Jan 31 23:59:59 2000"));
