@@ -1,9 +1,12 @@
+#include "ChildProcess.h"
 #include "Platform.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
 using namespace KivPlr;
@@ -37,6 +40,21 @@ private:
     int* destructions;
 };
 
+// A platform that says so on standard output when it is destroyed.
+class ReportingPlatform : public EmptyPlatform
+{
+public:
+    ~ReportingPlatform() override
+    {
+        static const char text[] = "released";
+        ssize_t written = write(STDOUT_FILENO, text, sizeof text - 1);
+        (void)written;
+    }
+};
+
+// Read while the test program starts, before any test could install one.
+IPlatform* const instanceAtStartUp = Platform::GetInstance();
+
 class PlatformInstanceTest : public ::testing::Test
 {
 protected:
@@ -48,6 +66,23 @@ protected:
 TEST_F(PlatformInstanceTest, GetInstanceBeforeSetInstanceIsNull)
 {
     EXPECT_EQ(Platform::GetInstance(), nullptr);
+}
+
+TEST(PlatformStartUpTest, NoInstanceIsInstalledWhenTheProcessStarts)
+{
+    EXPECT_EQ(instanceAtStartUp, nullptr);
+}
+
+TEST(PlatformStartUpTest, TheInstalledInstanceIsReleasedAtProcessExit)
+{
+    // exit (not _exit) runs the static destructors, the holder's among them.
+    KivTest::ChildOutcome outcome = KivTest::RunInChild([] {
+        Platform::SetInstance(new ReportingPlatform);
+        std::exit(0);
+    });
+    EXPECT_TRUE(outcome.exited) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.exitStatus, 0) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardOutput, "released");
 }
 
 TEST_F(PlatformInstanceTest, SetInstanceTwiceWithSameKeepsCountOne)
