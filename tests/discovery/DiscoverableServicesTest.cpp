@@ -10,6 +10,7 @@
 #include "SmartPtr.h"
 #include "StandardOutputCapture.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -264,6 +265,50 @@ TEST_F(DiscoverableServicesTest, WorkingDirectoryIsRestoredWhetherOrNotTheFileIs
     EXPECT_FALSE(RunCycle().written);
     EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
     EXPECT_FALSE(Exists(elsewhere.Path() + "/Management.xml"));
+}
+
+TEST_F(DiscoverableServicesTest, WorkingDirectoryRoundTripDoesNotUseThePlatformsDirectoryManager)
+{
+    class CountingPlatform : public LinuxPlatform
+    {
+    public:
+        KivPlr::IDirectoryManager* CreateDirectoryManager() override
+        {
+            ++directoryManagers;
+            return LinuxPlatform::CreateDirectoryManager();
+        }
+        int directoryManagers = 0;
+    };
+    SmartPtr<CountingPlatform> platform(new CountingPlatform);
+    Platform::SetInstance(platform.Get());
+    services = new DiscoverableServices(config, status, outputDirectory);
+    TemporaryDirectory elsewhere;
+    ASSERT_EQ(chdir(elsewhere.Path().c_str()), 0);
+    files.LoadConfiguration(config, "unit-1", {});
+    files.LoadStatus(status, 3);
+    EXPECT_TRUE(RunCycle().written);
+    EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
+    EXPECT_EQ(platform->directoryManagers, 0);
+}
+
+TEST_F(DiscoverableServicesTest, WorkingDirectoryTooLongForTheDirectoryManagerIsNotReturnedTo)
+{
+    // The directory manager reads working directories of up to 1023 bytes.
+    // From a deeper one the publisher has nothing to return to and stays in
+    // the output directory; the daemon runs from "/", where this cannot happen.
+    TemporaryDirectory elsewhere;
+    std::string deep = elsewhere.Path();
+    while (deep.size() < 1100) {
+        deep += "/" + std::string(100, 'd');
+        ASSERT_EQ(mkdir(deep.c_str(), 0755), 0) << std::strerror(errno);
+    }
+    KivTest::WorkingDirectoryGuard guard;
+    ASSERT_EQ(chdir(deep.c_str()), 0);
+    files.LoadConfiguration(config, "unit-1", {});
+    files.LoadStatus(status, 3);
+    EXPECT_TRUE(RunCycle().written);
+    EXPECT_EQ(WorkingDirectory(), outputDirectory);
+    EXPECT_FALSE(Exists(deep + "/Management.xml"));
 }
 
 TEST_F(DiscoverableServicesTest, MissingOutputDirectoryLeavesTheFileInTheWorkingDirectory)
