@@ -256,19 +256,8 @@ TEST_F(DiscoverableServicesTest, ChangeOfBothGroupsInOneCycleWritesOnceAndClears
 
 TEST_F(DiscoverableServicesTest, WorkingDirectoryIsRestoredWhetherOrNotTheFileIsWritten)
 {
-    TemporaryDirectory elsewhere;
-    ASSERT_EQ(chdir(elsewhere.Path().c_str()), 0);
-    files.LoadConfiguration(config, "unit-1", {});
-    files.LoadStatus(status, 3);
-    EXPECT_TRUE(RunCycle().written);
-    EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
-    EXPECT_FALSE(RunCycle().written);
-    EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
-    EXPECT_FALSE(Exists(elsewhere.Path() + "/Management.xml"));
-}
-
-TEST_F(DiscoverableServicesTest, WorkingDirectoryRoundTripDoesNotUseThePlatformsDirectoryManager)
-{
+    // The round trip goes through directory managers of the publisher's own,
+    // never through the platform's factory slot.
     class CountingPlatform : public LinuxPlatform
     {
     public:
@@ -282,12 +271,16 @@ TEST_F(DiscoverableServicesTest, WorkingDirectoryRoundTripDoesNotUseThePlatforms
     SmartPtr<CountingPlatform> platform(new CountingPlatform);
     Platform::SetInstance(platform.Get());
     services = new DiscoverableServices(config, status, outputDirectory);
+
     TemporaryDirectory elsewhere;
     ASSERT_EQ(chdir(elsewhere.Path().c_str()), 0);
     files.LoadConfiguration(config, "unit-1", {});
     files.LoadStatus(status, 3);
     EXPECT_TRUE(RunCycle().written);
     EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
+    EXPECT_FALSE(RunCycle().written);
+    EXPECT_EQ(WorkingDirectory(), elsewhere.Path());
+    EXPECT_FALSE(Exists(elsewhere.Path() + "/Management.xml"));
     EXPECT_EQ(platform->directoryManagers, 0);
 }
 
