@@ -7,10 +7,10 @@
 #include "LogManager.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
-#include "PosixCurrentTimespec.h"
+#include "PosixCurrentTime.h"
 #include "PosixResultPassFail.h"
 #include "PosixThreadPriorityMap.h"
-#include "PosixTimespecOffsetCalculator.h"
+#include "PosixTimeOffsetCalculator.h"
 #include "User.h"
 #include "UserGroup.h"
 

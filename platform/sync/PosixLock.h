@@ -13,7 +13,7 @@
 #ifndef KIVPLR_POSIXLOCK_H
 #define KIVPLR_POSIXLOCK_H
 
-#include "IPosixTimespecOffsetCalculator.h"
+#include "IPosixTimeOffsetCalculator.h"
 #include "IResultConverter.h"
 #include "LockBase.h"
 #include "SmartPtr.h"

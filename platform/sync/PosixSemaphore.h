@@ -11,7 +11,7 @@
 #ifndef KIVPLR_POSIXSEMAPHORE_H
 #define KIVPLR_POSIXSEMAPHORE_H
 
-#include "IPosixTimespecOffsetCalculator.h"
+#include "IPosixTimeOffsetCalculator.h"
 #include "IResultConverter.h"
 #include "SemaphoreBase.h"
 #include "SmartPtr.h"

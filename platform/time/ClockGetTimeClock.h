@@ -12,7 +12,7 @@
 
 #include "ClockBase.h"
 #include "ILock.h"
-#include "IPosixTimespecProvider.h"
+#include "IPosixTimeProvider.h"
 #include "SmartPtr.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
 #include "PosixLock.h"
@@ -21,7 +21,7 @@ class PosixTest : public ::testing::Test
 {
 protected:
     SmartPtr<IPosix> posix{new Posix};
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimespecOffsetCalculator};
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimeOffsetCalculator};
     SmartPtr<IResultConverter> converter{new PosixResultPassFail};
 };
 

@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "ManualResetEvent.h"
 #include "PosixLock.h"
@@ -23,7 +23,7 @@ namespace {
 class ManualResetEventOnARealMonitor : public ::testing::Test
 {
 protected:
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimespecOffsetCalculator};
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimeOffsetCalculator};
     SmartPtr<IResultConverter> converter{new PosixResultPassFail};
     SmartPtr<ILock> lock{new PosixLock(calculator.Get(), converter.Get())};
     SmartPtr<IManualResetEvent> event{new ManualResetEvent(lock.Get())};

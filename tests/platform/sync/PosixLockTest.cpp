@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixLock.h"
 #include "PosixResultPassFail.h"
@@ -15,7 +15,7 @@
 #include <vector>
 
 using namespace KivPlr;
-using KivTest::FakeTimespecOffsetCalculator;
+using KivTest::FakeTimeOffsetCalculator;
 using KivTest::RecordingResultConverter;
 
 namespace {
@@ -23,7 +23,7 @@ namespace {
 class PosixLockTest : public ::testing::Test
 {
 protected:
-    SmartPtr<FakeTimespecOffsetCalculator> calculator{new FakeTimespecOffsetCalculator};
+    SmartPtr<FakeTimeOffsetCalculator> calculator{new FakeTimeOffsetCalculator};
     SmartPtr<RecordingResultConverter> converter{new RecordingResultConverter};
     SmartPtr<ILock> lock{new PosixLock(calculator.Get(), converter.Get())};
 };
@@ -263,7 +263,7 @@ TEST_F(PosixLockTest, ProducersAndConsumersLoseNoItemWithNotifyAll)
 
 TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(lock->NotifyOne(result), L"SmartPtr<T>-> NULL reference");
@@ -272,7 +272,7 @@ TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
 
 TEST(PosixLockFatalTest, WaitWithoutAConverterIsFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(result), L"SmartPtr<T>-> NULL reference");

@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixResultPassFail.h"
 #include "PosixSemaphore.h"
@@ -11,7 +11,7 @@
 #include <vector>
 
 using namespace KivPlr;
-using KivTest::FakeTimespecOffsetCalculator;
+using KivTest::FakeTimeOffsetCalculator;
 using KivTest::RecordingResultConverter;
 
 namespace {
@@ -19,7 +19,7 @@ namespace {
 class PosixSemaphoreTest : public ::testing::Test
 {
 protected:
-    SmartPtr<FakeTimespecOffsetCalculator> calculator{new FakeTimespecOffsetCalculator};
+    SmartPtr<FakeTimeOffsetCalculator> calculator{new FakeTimeOffsetCalculator};
     SmartPtr<RecordingResultConverter> converter{new RecordingResultConverter};
     SmartPtr<ISemaphore> semaphore{new PosixSemaphore(calculator.Get(), converter.Get())};
 };
@@ -121,7 +121,7 @@ TEST_F(PosixSemaphoreTest, EveryPostWakesOneWaiterAcrossFourThreads)
 
 TEST(PosixSemaphoreFatalTest, WaitsWithoutAConverterAreFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
     SmartPtr<ISemaphore> semaphore(new PosixSemaphore(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(semaphore->Wait(result), L"SmartPtr<T>-> NULL reference");

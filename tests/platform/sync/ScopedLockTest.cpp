@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixLock.h"
 #include "PosixResultPassFail.h"
@@ -65,7 +65,7 @@ TEST(ScopedLockTest, UnlocksWhenAnExceptionLeavesTheBlock)
 
 TEST(ScopedLockTest, ARealLockIsFreeAgainAfterAnException)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimespecOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimeOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), converter.Get()));
     EXPECT_THROW(ThrowUnder(lock), std::runtime_error);

@@ -1,4 +1,4 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixLock.h"
 #include "PosixResultPassFail.h"
@@ -53,7 +53,7 @@ TEST(WaitEventTest, SignalNotifiesAllUnderTheLock)
 
 TEST(WaitEventTest, SignalWakesAThreadWaitingOnARealMonitor)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimespecOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimeOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), converter.Get()));
     SmartPtr<IWaitEvent> event(new WaitEvent(lock.Get()));

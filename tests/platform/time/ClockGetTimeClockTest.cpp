@@ -1,9 +1,9 @@
 #include "ClockGetTimeClock.h"
-#include "FakeTimespecProvider.h"
+#include "FakeTimeProvider.h"
 #include "FatalMessage.h"
 #include "ILock.h"
 #include "Object.h"
-#include "PosixCurrentTimespec.h"
+#include "PosixCurrentTime.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include <ctime>
 
 using namespace KivPlr;
-using KivTest::FakeTimespecProvider;
+using KivTest::FakeTimeProvider;
 
 namespace {
 
@@ -31,13 +31,13 @@ public:
 
 struct FakeClock
 {
-    FakeTimespecProvider* fake;
+    FakeTimeProvider* fake;
     SmartPtr<IClock> clock;
 };
 
 FakeClock StartedAt(time_t seconds, long nanoseconds)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider(seconds, nanoseconds);
+    FakeTimeProvider* fake = new FakeTimeProvider(seconds, nanoseconds);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     return FakeClock{fake, SmartPtr<IClock>(new ClockGetTimeClock(new IdleLock, provider))};
 }
@@ -47,7 +47,7 @@ FakeClock StartedAt(time_t seconds, long nanoseconds)
 TEST(ClockGetTimeClockTest, NewClockHasCountZeroAndHoldsItsLockAndProvider)
 {
     SmartPtr<ILock> lock(new IdleLock);
-    SmartPtr<IPosixTimespecProvider> provider(new FakeTimespecProvider);
+    SmartPtr<IPosixTimespecProvider> provider(new FakeTimeProvider);
     ClockGetTimeClock* clock = new ClockGetTimeClock(lock, provider);
     IClock* asInterface = clock;
     EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
@@ -64,7 +64,7 @@ TEST(ClockGetTimeClockTest, NewClockHasCountZeroAndHoldsItsLockAndProvider)
 
 TEST(ClockGetTimeClockTest, StartTimeIsTakenAtCreation)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider(42, 7);
+    FakeTimeProvider* fake = new FakeTimeProvider(42, 7);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     ClockGetTimeClock* clock = new ClockGetTimeClock(new IdleLock, provider);
     SmartPtr<IClock> owner(clock);

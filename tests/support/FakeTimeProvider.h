@@ -1,28 +1,28 @@
-// FakeTimespecProvider.h - a timespec provider whose time the test sets.
+// FakeTimeProvider.h - a timespec provider whose time the test sets.
 //
 // Deadline and stopwatch tests hand it to the object under test and move its
 // time by hand; it counts the reads and can be told to fail like a
 // clock_gettime on an unknown clock:
 //
-//   FakeTimespecProvider* fake = new FakeTimespecProvider(10, 999000000);
+//   FakeTimeProvider* fake = new FakeTimeProvider(10, 999000000);
 //   PosixTimespecOffsetCalculator calculator(fake);
 //   fake->Set(11, 0);
 //
 // Single-threaded use only.
-#ifndef KIV_TESTS_FAKETIMESPECPROVIDER_H
-#define KIV_TESTS_FAKETIMESPECPROVIDER_H
+#ifndef KIV_TESTS_FAKETIMEPROVIDER_H
+#define KIV_TESTS_FAKETIMEPROVIDER_H
 
-#include "IPosixTimespecProvider.h"
+#include "IPosixTimeProvider.h"
 #include "Object.h"
 
 #include <ctime>
 
 namespace KivTest {
 
-class FakeTimespecProvider : private KivPlr::Object, public KivPlr::IPosixTimespecProvider
+class FakeTimeProvider : private KivPlr::Object, public KivPlr::IPosixTimespecProvider
 {
 public:
-    FakeTimespecProvider(time_t seconds = 0, long nanoseconds = 0) { Set(seconds, nanoseconds); }
+    FakeTimeProvider(time_t seconds = 0, long nanoseconds = 0) { Set(seconds, nanoseconds); }
 
     void Set(time_t seconds, long nanoseconds)
     {

@@ -1,7 +1,7 @@
 #include "ChildProcess.h"
-#include "FakeTimespecProvider.h"
-#include "PosixCurrentTimespec.h"
-#include "PosixTimespecOffsetCalculator.h"
+#include "FakeTimeProvider.h"
+#include "PosixCurrentTime.h"
+#include "PosixTimeOffsetCalculator.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>
@@ -10,13 +10,13 @@
 #include <ctime>
 
 using namespace KivPlr;
-using KivTest::FakeTimespecProvider;
+using KivTest::FakeTimeProvider;
 
 namespace {
 
 struct timespec DeadlineAt(time_t seconds, long nanoseconds, std::uint32_t timeoutMilliseconds)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider(seconds, nanoseconds);
+    FakeTimeProvider* fake = new FakeTimeProvider(seconds, nanoseconds);
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(fake));
     struct timespec deadline = {-1, -1};
     calculator->ComputeDeadline(timeoutMilliseconds, deadline);
@@ -44,7 +44,7 @@ std::int64_t ToNanoseconds(const struct timespec& time)
 
 TEST(PosixTimespecOffsetCalculatorTest, NewCalculatorHasCountZeroAndHoldsItsProvider)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider;
+    FakeTimeProvider* fake = new FakeTimeProvider;
     SmartPtr<IPosixTimespecProvider> provider(fake);
     PosixTimespecOffsetCalculator* calculator = new PosixTimespecOffsetCalculator(provider);
     IPosixTimespecOffsetCalculator* asInterface = calculator;
@@ -96,7 +96,7 @@ TEST(PosixTimespecOffsetCalculatorTest, NoTimeoutValueIsAddedLikeAnyOther)
 
 TEST(PosixTimespecOffsetCalculatorTest, ReadsTheProviderOncePerDeadline)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider(1, 0);
+    FakeTimeProvider* fake = new FakeTimeProvider(1, 0);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(provider));
     struct timespec deadline;
@@ -110,7 +110,7 @@ TEST(PosixTimespecOffsetCalculatorTest, ReadsTheProviderOncePerDeadline)
 
 TEST(PosixTimespecOffsetCalculatorTest, FailingProviderCountsFromTimeZero)
 {
-    FakeTimespecProvider* fake = new FakeTimespecProvider(50, 0);
+    FakeTimeProvider* fake = new FakeTimeProvider(50, 0);
     fake->Fail();
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(fake));
     struct timespec deadline = {-1, -1};

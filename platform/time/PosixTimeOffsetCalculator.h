@@ -1,4 +1,4 @@
-// PosixTimespecOffsetCalculator.h - turns a time-out in milliseconds into an
+// PosixTimeOffsetCalculator.h - PosixTimespecOffsetCalculator: turns a time-out in milliseconds into an
 // absolute struct timespec deadline read from a timespec provider.
 //
 // The platform factory makes one for every lock and semaphore, over a new
@@ -9,11 +9,11 @@
 //       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)));
 //   struct timespec deadline;
 //   calculator->ComputeDeadline(250, deadline);   // now + 250 ms
-#ifndef KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
-#define KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
+#ifndef KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
+#define KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
 
-#include "IPosixTimespecOffsetCalculator.h"
-#include "IPosixTimespecProvider.h"
+#include "IPosixTimeOffsetCalculator.h"
+#include "IPosixTimeProvider.h"
 #include "Object.h"
 #include "SmartPtr.h"
 

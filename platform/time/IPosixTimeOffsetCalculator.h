@@ -1,4 +1,4 @@
-// IPosixTimespecOffsetCalculator.h - turns a relative time-out into the
+// IPosixTimeOffsetCalculator.h - IPosixTimespecOffsetCalculator: turns a relative time-out into the
 // absolute deadline that sem_timedwait and pthread_cond_timedwait take.
 //
 //   struct timespec deadline;
@@ -6,8 +6,8 @@
 //   pthread_cond_timedwait(&condition, &mutex, &deadline);
 //
 // Holds no mutable state; any thread may call it.
-#ifndef KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
-#define KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
+#ifndef KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
+#define KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
 
 #include "IObject.h"
 

@@ -1,4 +1,4 @@
-#include "PosixTimespecOffsetCalculator.h"
+#include "PosixTimeOffsetCalculator.h"
 
 namespace KivPlr {
 

@@ -1,4 +1,4 @@
-// FakeTimespecOffsetCalculator.h - a time-out calculator for tests that
+// FakeTimeOffsetCalculator.h - a time-out calculator for tests that
 // records every time-out it is asked for and answers with a deadline the
 // test chose.
 //
@@ -6,14 +6,14 @@
 // starts at 1970-01-01 00:00:00, long past, so a timed wait over it times out
 // at once.
 //
-//   SmartPtr<FakeTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
+//   SmartPtr<FakeTimeOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
 //   calculator->SetDeadlineFromNow(50);          // CLOCK_REALTIME + 50 ms
 //   lock->Wait(1234, result);
 //   EXPECT_EQ(calculator->Requests(), std::vector<std::uint32_t>{1234});
-#ifndef KIV_TESTS_FAKETIMESPECOFFSETCALCULATOR_H
-#define KIV_TESTS_FAKETIMESPECOFFSETCALCULATOR_H
+#ifndef KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
+#define KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
 
-#include "IPosixTimespecOffsetCalculator.h"
+#include "IPosixTimeOffsetCalculator.h"
 #include "Object.h"
 
 #include <mutex>
@@ -21,7 +21,7 @@
 
 namespace KivTest {
 
-class FakeTimespecOffsetCalculator : public KivPlr::Object,
+class FakeTimeOffsetCalculator : public KivPlr::Object,
                                      public KivPlr::IPosixTimespecOffsetCalculator
 {
 public:

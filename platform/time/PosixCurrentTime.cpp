@@ -1,4 +1,4 @@
-#include "PosixCurrentTimespec.h"
+#include "PosixCurrentTime.h"
 
 namespace KivPlr {
 

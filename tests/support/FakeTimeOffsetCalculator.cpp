@@ -1,8 +1,8 @@
-#include "FakeTimespecOffsetCalculator.h"
+#include "FakeTimeOffsetCalculator.h"
 
 namespace KivTest {
 
-void FakeTimespecOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds,
+void FakeTimeOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds,
                                                    struct timespec& deadline)
 {
     std::lock_guard<std::mutex> hold(mutex);
@@ -10,13 +10,13 @@ void FakeTimespecOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMillisec
     deadline = answer;
 }
 
-void FakeTimespecOffsetCalculator::SetDeadline(const struct timespec& deadline)
+void FakeTimeOffsetCalculator::SetDeadline(const struct timespec& deadline)
 {
     std::lock_guard<std::mutex> hold(mutex);
     answer = deadline;
 }
 
-struct timespec FakeTimespecOffsetCalculator::SetDeadlineFromNow(std::uint32_t milliseconds)
+struct timespec FakeTimeOffsetCalculator::SetDeadlineFromNow(std::uint32_t milliseconds)
 {
     struct timespec deadline = RealTimeNow();
     deadline.tv_sec += static_cast<time_t>(milliseconds / 1000u);
@@ -29,7 +29,7 @@ struct timespec FakeTimespecOffsetCalculator::SetDeadlineFromNow(std::uint32_t m
     return deadline;
 }
 
-std::vector<std::uint32_t> FakeTimespecOffsetCalculator::Requests()
+std::vector<std::uint32_t> FakeTimeOffsetCalculator::Requests()
 {
     std::lock_guard<std::mutex> hold(mutex);
     return requests;

@@ -1,4 +1,4 @@
-#include "PosixCurrentTimespec.h"
+#include "PosixCurrentTime.h"
 #include "SmartPtr.h"
 
 #include <gtest/gtest.h>

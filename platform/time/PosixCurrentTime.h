@@ -1,4 +1,4 @@
-// PosixCurrentTimespec.h - reads one POSIX clock, chosen at construction.
+// PosixCurrentTime.h - PosixCurrentTimespec: reads one POSIX clock, chosen at construction.
 //
 // The platform factory makes one per lock or semaphore (CLOCK_REALTIME, the
 // clock that sem_timedwait and pthread_cond_timedwait measure deadlines on)
@@ -8,10 +8,10 @@
 //   SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
 //   struct timespec now;
 //   provider->GetCurrentTime(now);
-#ifndef KIVPLR_POSIXCURRENTTIMESPEC_H
-#define KIVPLR_POSIXCURRENTTIMESPEC_H
+#ifndef KIVPLR_POSIXCURRENTTIME_H
+#define KIVPLR_POSIXCURRENTTIME_H
 
-#include "IPosixTimespecProvider.h"
+#include "IPosixTimeProvider.h"
 #include "Object.h"
 
 #include <ctime>

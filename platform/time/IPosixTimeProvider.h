@@ -1,4 +1,4 @@
-// IPosixTimespecProvider.h - a source of the current POSIX time.
+// IPosixTimeProvider.h - IPosixTimespecProvider: a source of the current POSIX time.
 //
 // The implementation reads one POSIX clock, chosen when it is made
 // (CLOCK_REALTIME for the deadlines of locks and semaphores, CLOCK_MONOTONIC
@@ -8,8 +8,8 @@
 //   if (provider->GetCurrentTime(now) != 0) { /* errno tells why */ }
 //
 // Holds no mutable state; any thread may call it.
-#ifndef KIVPLR_IPOSIXTIMESPECPROVIDER_H
-#define KIVPLR_IPOSIXTIMESPECPROVIDER_H
+#ifndef KIVPLR_IPOSIXTIMEPROVIDER_H
+#define KIVPLR_IPOSIXTIMEPROVIDER_H
 
 #include "IObject.h"
 
