@@ -6,10 +6,10 @@
 #include "Discovery.h"
 
 #include "ChildProcess.h"
-#include "MountNamespace.h"
-#include "ScopedWorkingDirectory.h"
 #include "DirectoryListing.h"
+#include "MountNamespace.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -100,7 +100,7 @@ protected:
 
 TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     // Two versions of different sizes, large enough to take several writes.
     const std::string small = "small";
     const std::string large(300000, 'L');

@@ -5,8 +5,8 @@
 #include "Discovery.h"
 
 #include "DescriptionReader.h"
-#include "ScopedWorkingDirectory.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -148,7 +148,7 @@ protected:
     }
 
     TemporaryDirectory directory;
-    ScopedWorkingDirectory enter{directory.Path()};
+    KivTest::WorkingDirectoryGuard enter{directory.Path()};
     std::vector<Sample> samples;
 };
 

@@ -2,10 +2,10 @@
 
 #include "ChildProcess.h"
 #include "DescriptionReader.h"
-#include "Emulation.h"
-#include "ScopedWorkingDirectory.h"
 #include "DirectoryListing.h"
+#include "Emulation.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -56,7 +56,7 @@ protected:
 
 TEST_F(DiscoveryTest, WritesTheDescriptionLayout)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     Discovery description = Management("<cpp:Config><Description>a&b</Description></cpp:Config>");
     ASSERT_TRUE(description.WriteToFile()) << description.ErrorMessage();
     EXPECT_EQ(description.ErrorMessage(), "");
@@ -73,7 +73,7 @@ TEST_F(DiscoveryTest, WritesTheDescriptionLayout)
 
 TEST_F(DiscoveryTest, NewDescriptionHasPortZeroAndNothingElse)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     Discovery description("Bare");
     EXPECT_EQ(description.Port(), 0u);
     ASSERT_TRUE(description.WriteToFile());
@@ -83,7 +83,7 @@ TEST_F(DiscoveryTest, NewDescriptionHasPortZeroAndNothingElse)
 
 TEST_F(DiscoveryTest, TypesAndScopesAreWrittenInCallOrderAndTheLastPortAndMetadataWin)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     Discovery description("Order");
     description.AddScope("s1");
     description.AddType("t1");
@@ -107,7 +107,7 @@ TEST_F(DiscoveryTest, WritesIntoTheCurrentWorkingDirectory)
 {
     std::string inner = directory.Path() + "/inner";
     ASSERT_EQ(mkdir(inner.c_str(), 0755), 0);
-    ScopedWorkingDirectory enter(inner);
+    KivTest::WorkingDirectoryGuard enter(inner);
     ASSERT_TRUE(Management("m").WriteToFile());
     EXPECT_EQ(KivTest::ListDirectory(inner), (std::vector<std::string>{"Management.xml"}));
     EXPECT_EQ(KivTest::ListDirectory(directory.Path()), (std::vector<std::string>{"inner"}));
@@ -115,7 +115,7 @@ TEST_F(DiscoveryTest, WritesIntoTheCurrentWorkingDirectory)
 
 TEST_F(DiscoveryTest, FileModeIs0644WhateverTheUmask)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     mode_t previous = umask(0077);
     bool written = Management("m").WriteToFile();
     umask(0002);
@@ -132,7 +132,7 @@ TEST_F(DiscoveryTest, FileModeIs0644WhateverTheUmask)
 
 TEST_F(DiscoveryTest, LaterWriteReplacesTheEarlierFileAndLeavesNoTemporaryFile)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     ASSERT_TRUE(Management(std::string(100000, 'a')).WriteToFile());
     ASSERT_TRUE(Management("short", 80).WriteToFile());
     DescriptionReader reader;
@@ -144,7 +144,7 @@ TEST_F(DiscoveryTest, LaterWriteReplacesTheEarlierFileAndLeavesNoTemporaryFile)
 
 TEST_F(DiscoveryTest, UnrepresentableTextFailsWithoutWriting)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     ASSERT_TRUE(Management("previous").WriteToFile());
     std::string previous = ReadFile(File());
     struct Case
@@ -184,7 +184,7 @@ TEST_F(DiscoveryTest, NameThatIsNotAPlainFileNameFailsWithoutWriting)
 {
     std::string inner = directory.Path() + "/inner";
     ASSERT_EQ(mkdir(inner.c_str(), 0755), 0);
-    ScopedWorkingDirectory enter(inner);
+    KivTest::WorkingDirectoryGuard enter(inner);
     const std::vector<std::string> names = {"", ".", "..", "a/b", "/Management", "../Management", "x/",
                                             std::string("Manage\0ment", 11)};
     for (const std::string& name : names) {
@@ -203,7 +203,7 @@ TEST_F(DiscoveryTest, NameThatIsNotAPlainFileNameFailsWithoutWriting)
 
 TEST_F(DiscoveryTest, NamesWithDotsAndOtherCharactersAreFileNames)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     for (const std::string name : {"...", ".hidden", "a b", "caf\xC3\xA9", "tab\there", "quote\"&<>"}) {
         Discovery description(name);
         ASSERT_TRUE(description.WriteToFile()) << name << ": " << description.ErrorMessage();
@@ -215,7 +215,7 @@ TEST_F(DiscoveryTest, NamesWithDotsAndOtherCharactersAreFileNames)
 
 TEST_F(DiscoveryTest, NameTooLongForTheFileSystemFailsWithoutWriting)
 {
-    ScopedWorkingDirectory enter(directory.Path());
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
     Discovery description(std::string(252, 'n'));
     EXPECT_FALSE(description.WriteToFile());
     EXPECT_NE(description.ErrorMessage().find("File name too long"), std::string::npos)

@@ -1,5 +1,9 @@
 #include "WorkingDirectoryGuard.h"
 
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <stdexcept>
 #include <unistd.h>
@@ -10,6 +14,11 @@ WorkingDirectoryGuard::WorkingDirectoryGuard() : saved(open(".", O_RDONLY | O_DI
 {
     if (saved < 0)
         throw std::runtime_error("cannot open the working directory");
+}
+
+WorkingDirectoryGuard::WorkingDirectoryGuard(const std::string& directory) : WorkingDirectoryGuard()
+{
+    EXPECT_EQ(chdir(directory.c_str()), 0) << directory << ": " << std::strerror(errno);
 }
 
 WorkingDirectoryGuard::~WorkingDirectoryGuard()

@@ -5,11 +5,15 @@
 //   ASSERT_EQ(chdir(directory.Path().c_str()), 0);
 //   ...                                        // back on scope exit
 //
+//   KivTest::WorkingDirectoryGuard enter(directory.Path());  // remember, then enter
+//
 // It keeps the old directory open and returns with fchdir, so it also works
 // when the old path is longer than getcwd can report. One per scope; the
 // working directory is process-wide, so do not use it from several threads.
 #ifndef KIV_TESTS_WORKINGDIRECTORYGUARD_H
 #define KIV_TESTS_WORKINGDIRECTORYGUARD_H
+
+#include <string>
 
 namespace KivTest {
 
@@ -17,6 +21,9 @@ class WorkingDirectoryGuard
 {
 public:
     WorkingDirectoryGuard();
+    /// Remembers the working directory, then enters \p directory (a failure
+    /// to enter is a test failure; the directory is still restored).
+    explicit WorkingDirectoryGuard(const std::string& directory);
     ~WorkingDirectoryGuard();
 
     WorkingDirectoryGuard(const WorkingDirectoryGuard&) = delete;

@@ -8,6 +8,7 @@
 #include "TemporaryDirectory.h"
 #include "ThrowawayAccounts.h"
 #include "User.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
@@ -64,27 +65,10 @@ protected:
 
 // Runs the shell tools of each test in an empty working directory, so that a
 // hash like "*0" (a glob for the shell) cannot match a file by chance.
-class EmptyWorkingDirectory
+struct EmptyWorkingDirectory
 {
-public:
-    EmptyWorkingDirectory()
-    {
-        char* current = getcwd(nullptr, 0);
-        if (current != nullptr)
-            previous = current;
-        std::free(current);
-        if (chdir(directory.Path().c_str()) != 0)
-            ADD_FAILURE() << "cannot enter " << directory.Path();
-    }
-    ~EmptyWorkingDirectory()
-    {
-        if (!previous.empty() && chdir(previous.c_str()) != 0)
-            ADD_FAILURE() << "cannot return to " << previous;
-    }
-
-private:
     TemporaryDirectory directory;
-    std::string previous;
+    KivTest::WorkingDirectoryGuard enter{directory.Path()};
 };
 
 KIV_NULL_REFERENCE(NullResultReference, _Result)
