@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "ExclusiveFileLock.h"
 #include "Emulation.h"
 #include "InnerTest.h"
 #include "MountNamespace.h"
@@ -459,8 +460,18 @@ protected:
     /// Runs UserPamInner.<name> with pam_wrapper preloaded and expects it to pass.
     void ExpectInnerPasses(const std::string& name)
     {
+        ExclusiveFileLock turn(PamWrapperTurn);
         EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner." + name, PamEnvironment()));
     }
+
+    // pam_wrapper makes its working directory under /tmp (whatever TMPDIR
+    // says) by looking for a free name /tmp/pam.<letter> and then creating
+    // it. Two processes that start together can pick the same name; the
+    // loser shares the winner's directory, which vanishes under it, and PAM
+    // then finds no service file. So every process of ours that preloads
+    // the wrapper waits for its turn on this lock, whichever ctest job or
+    // build directory it comes from.
+    static constexpr const char* PamWrapperTurn = "/tmp/kiv-pam_wrapper.lock";
 
     TemporaryDirectory directory;
     std::string wrapper;
@@ -598,6 +609,7 @@ protected:
 
     ChildOutcome RunInside(const std::string& innerTest)
     {
+        ExclusiveFileLock turn(PamWrapperTurn);
         return RunWithThrowawayAccounts(innerTest, PamEnvironment());
     }
 };
