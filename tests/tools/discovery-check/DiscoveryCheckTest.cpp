@@ -6,11 +6,11 @@
 #include "Emulation.h"
 #include "ShellCommand.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
-#include <unistd.h>
 
 using KivTest::ChildOutcome;
 using KivTest::TemporaryDirectory;
@@ -105,16 +105,17 @@ TEST_F(DiscoveryCheckTest, StatusSummaryShowsAbsentAndEmptyDeviceTextsApart)
 
 TEST_F(DiscoveryCheckTest, DescriptionSummaryShowsWhatTheWriterWrote)
 {
-    char previous[4096];
-    ASSERT_NE(getcwd(previous, sizeof previous), nullptr);
-    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
     KivDiscoveryClient::Discovery description("Management");
     description.AddType("cpp:Management");
     description.AddScope("http://standards.kivotrel.example/2011/videoprocessor/trx");
     description.SetPort(8080);
     description.SetMetaData("<cpp:Config>\t&\r</cpp:Config>");
-    bool written = description.WriteToFile();
-    ASSERT_EQ(chdir(previous), 0);
+    bool written;
+    {
+        // The writer puts the file into the working directory.
+        KivTest::WorkingDirectoryGuard enter(directory.Path());
+        written = description.WriteToFile();
+    }
     ASSERT_TRUE(written) << description.ErrorMessage();
     std::string file = directory.Path() + "/Management.xml";
     ChildOutcome outcome = Check("description", file);

@@ -7,6 +7,7 @@
 #include "MountNamespace.h"
 #include "NetworkDeviceScanner.h"
 #include "TemporaryDirectory.h"
+#include "WorkingDirectoryGuard.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -103,14 +104,16 @@ TEST(StatusCollectorPublishTest, KeepsTheWorkingDirectoryAndResolvesRelativePath
 {
     TemporaryDirectory directory;
     ASSERT_EQ(mkdir((directory.Path() + "/sub").c_str(), 0755), 0);
-    std::string before = WorkingDirectory();
-    ASSERT_EQ(chdir(directory.Path().c_str()), 0);
     std::string fault;
-    bool relative = StatusCollector::Publish("relative", "sub/status.xml", fault);
-    bool plain = StatusCollector::Publish("plain", "status.xml", fault);
-    bool failed = StatusCollector::Publish("never", "missing/status.xml", fault);
-    std::string during = WorkingDirectory();
-    ASSERT_EQ(chdir(before.c_str()), 0);
+    bool relative, plain, failed;
+    std::string during;
+    {
+        KivTest::WorkingDirectoryGuard enter(directory.Path());
+        relative = StatusCollector::Publish("relative", "sub/status.xml", fault);
+        plain = StatusCollector::Publish("plain", "status.xml", fault);
+        failed = StatusCollector::Publish("never", "missing/status.xml", fault);
+        during = WorkingDirectory();
+    }
     EXPECT_TRUE(relative);
     EXPECT_TRUE(plain);
     EXPECT_FALSE(failed);
