@@ -80,11 +80,11 @@ Date::Date() : kind(KindFinite), dayNumber(0)
 {
 }
 
-Date::Date(SpecialKind kind) : kind(kind), dayNumber(0)
+Date::Date(ValueKind kind) : kind(kind), dayNumber(0)
 {
 }
 
-Date::Date(SpecialKind kind, std::int32_t dayNumber) : kind(kind), dayNumber(dayNumber)
+Date::Date(ValueKind kind, std::int32_t dayNumber) : kind(kind), dayNumber(dayNumber)
 {
 }
 
@@ -112,7 +112,7 @@ Date Date::FromDayNumber(std::int32_t dayNumber)
     return Date(KindFinite, dayNumber);
 }
 
-SpecialKind Date::GetKind() const
+ValueKind Date::GetKind() const
 {
     return kind;
 }

@@ -20,7 +20,7 @@
 #define KIVPLR_DATE_H
 
 #include "DateDuration.h"
-#include "SpecialKind.h"
+#include "ValueKind.h"
 
 #include <cstdint>
 
@@ -35,7 +35,7 @@ public:
     /// 1970-01-01 (kind 0, day 0).
     Date();
     /// The given kind with day 0 (KindPositiveInfinity, ...).
-    explicit Date(SpecialKind kind);
+    explicit Date(ValueKind kind);
     /// The day of \p year, \p month, \p day. Checked in this order, each
     /// breach ending the process: year below 1970 or above 32767 ("year out
     /// of range"); low byte of \p month not in 1..12 ("month out of range");
@@ -51,7 +51,7 @@ public:
     /// before 1970 and are counted like the others).
     static Date FromDayNumber(std::int32_t dayNumber);
 
-    SpecialKind GetKind() const;
+    ValueKind GetKind() const;
     /// Days since 1970-01-01.
     std::int32_t GetDayNumber() const;
     /// The Gregorian year, month (1..12) and day (1..31) of the day number,
@@ -62,7 +62,7 @@ public:
 
     /// Equal kinds and, for finite dates, equal day numbers.
     bool operator==(const Date& other) const;
-    /// Ordered by the kind rules of SpecialKind.h, finite dates by day number;
+    /// Ordered by the kind rules of ValueKind.h, finite dates by day number;
     /// !=, >, <= and >= follow from == and < (KindOrdered).
     bool operator<(const Date& other) const;
 
@@ -82,9 +82,9 @@ public:
     static std::int64_t CountDaysBeforeYear(std::int32_t year);
 
 private:
-    Date(SpecialKind kind, std::int32_t dayNumber);
+    Date(ValueKind kind, std::int32_t dayNumber);
 
-    SpecialKind kind;
+    ValueKind kind;
     std::int32_t dayNumber;
 };
 

@@ -6,13 +6,13 @@ DateDuration::DateDuration(std::int32_t days) : kind(KindFinite), days(days)
 {
 }
 
-DateDuration::DateDuration(SpecialKind kind) : kind(kind), days(0)
+DateDuration::DateDuration(ValueKind kind) : kind(kind), days(0)
 {
 }
 
 DateDuration::~DateDuration() = default;
 
-SpecialKind DateDuration::GetKind() const
+ValueKind DateDuration::GetKind() const
 {
     return kind;
 }

@@ -10,7 +10,7 @@
 #ifndef KIVPLR_DATEDURATION_H
 #define KIVPLR_DATEDURATION_H
 
-#include "SpecialKind.h"
+#include "ValueKind.h"
 
 #include <cstdint>
 
@@ -22,23 +22,23 @@ public:
     /// A finite span of \p days (negative spans are allowed).
     DateDuration(std::int32_t days);
     /// The given kind with 0 days (KindPositiveInfinity, ...).
-    explicit DateDuration(SpecialKind kind);
+    explicit DateDuration(ValueKind kind);
     virtual ~DateDuration();
 
     DateDuration(const DateDuration&) = default;
     DateDuration& operator=(const DateDuration&) = default;
 
-    SpecialKind GetKind() const;
+    ValueKind GetKind() const;
     std::int32_t GetDays() const;
 
     /// Equal kinds and, for finite spans, equal day counts.
     bool operator==(const DateDuration& other) const;
-    /// Ordered by the kind rules of SpecialKind.h, finite spans by days;
+    /// Ordered by the kind rules of ValueKind.h, finite spans by days;
     /// !=, >, <= and >= follow from == and < (KindOrdered).
     bool operator<(const DateDuration& other) const;
 
 private:
-    SpecialKind kind;
+    ValueKind kind;
     std::int32_t days;
 };
 

@@ -46,11 +46,11 @@ TimeDuration::TimeDuration() : kind(KindNotAValue), count(0)
 {
 }
 
-TimeDuration::TimeDuration(SpecialKind kind) : kind(kind), count(0)
+TimeDuration::TimeDuration(ValueKind kind) : kind(kind), count(0)
 {
 }
 
-TimeDuration::TimeDuration(SpecialKind kind, std::int64_t count) : kind(kind), count(count)
+TimeDuration::TimeDuration(ValueKind kind, std::int64_t count) : kind(kind), count(count)
 {
 }
 
@@ -73,7 +73,7 @@ TimeDuration TimeDuration::Nanoseconds(std::int64_t count)
     return TimeDuration(KindFinite, count);
 }
 
-SpecialKind TimeDuration::GetKind() const
+ValueKind TimeDuration::GetKind() const
 {
     return kind;
 }

@@ -16,7 +16,7 @@
 #ifndef KIVPLR_TIMEDURATION_H
 #define KIVPLR_TIMEDURATION_H
 
-#include "SpecialKind.h"
+#include "ValueKind.h"
 
 #include <cstdint>
 
@@ -40,7 +40,7 @@ public:
     /// "Not a value": kind 3, 0 ns.
     TimeDuration();
     /// The given kind with 0 ns (KindPositiveInfinity, ...).
-    explicit TimeDuration(SpecialKind kind);
+    explicit TimeDuration(ValueKind kind);
     /// A finite duration. The first non-zero component, in the order hours,
     /// minutes, seconds, nanoseconds, carries the sign of the whole; every
     /// later component must be >= 0, otherwise the process ends ("invalid
@@ -55,7 +55,7 @@ public:
     /// A finite duration of \p count nanoseconds.
     static TimeDuration Nanoseconds(std::int64_t count);
 
-    SpecialKind GetKind() const;
+    ValueKind GetKind() const;
 
     /// Whole hours (truncated toward zero).
     std::int64_t GetHours() const;
@@ -93,7 +93,7 @@ public:
 
     /// Equal kinds and, for finite values, equal counts.
     bool operator==(const TimeDuration& other) const;
-    /// Ordered by the kind rules of SpecialKind.h, finite values by count;
+    /// Ordered by the kind rules of ValueKind.h, finite values by count;
     /// !=, >, <= and >= follow from == and < (KindOrdered).
     bool operator<(const TimeDuration& other) const;
 
@@ -109,10 +109,10 @@ public:
     void RoundToHours(int mode);
 
 private:
-    TimeDuration(SpecialKind kind, std::int64_t count);
+    TimeDuration(ValueKind kind, std::int64_t count);
     void RoundTo(std::int64_t unit, std::int64_t half, int mode);
 
-    SpecialKind kind;
+    ValueKind kind;
     std::int64_t count;
 };
 

@@ -15,7 +15,7 @@
 #define KIVPLR_TIMEPOINT_H
 
 #include "Date.h"
-#include "SpecialKind.h"
+#include "ValueKind.h"
 #include "TimeDuration.h"
 
 #include <ctime>

@@ -41,7 +41,7 @@ TEST(TimeDurationTest, DefaultIsNotAValueWithZeroNanoseconds)
 
 TEST(TimeDurationTest, KindConstructorGivesThatKindWithZeroNanoseconds)
 {
-    for (SpecialKind kind : {KindFinite, KindPositiveInfinity, KindNegativeInfinity, KindNotAValue}) {
+    for (ValueKind kind : {KindFinite, KindPositiveInfinity, KindNegativeInfinity, KindNotAValue}) {
         TimeDuration duration(kind);
         EXPECT_EQ(duration.GetKind(), kind);
         EXPECT_EQ(duration.GetTotalNanoseconds(), 0);

@@ -1,4 +1,4 @@
-// SpecialKind.h - the kind tag that every time value carries, and the
+// ValueKind.h - the kind tag that every time value carries, and the
 // comparison rules that the tag decides.
 //
 // TimeDuration, DateDuration, Date and TimePoint are finite values or one of
@@ -9,15 +9,15 @@
 //   KindEqual(KindPositiveInfinity, 1, KindPositiveInfinity, 2)  // true
 //
 // Plain functions without state; usable from any thread.
-#ifndef KIVPLR_SPECIALKIND_H
-#define KIVPLR_SPECIALKIND_H
+#ifndef KIVPLR_VALUEKIND_H
+#define KIVPLR_VALUEKIND_H
 
 #include <cstdint>
 
 namespace KivPlr {
 
 /// The kind tag: a 32-bit value in front of every time value's payload.
-enum SpecialKind : std::int32_t
+enum ValueKind : std::int32_t
 {
     KindFinite = 0,           ///< an ordinary value; the payload counts
     KindPositiveInfinity = 1, ///< greater than every other value
@@ -28,7 +28,7 @@ enum SpecialKind : std::int32_t
 /// Equal when the kinds are equal and, for two finite values, the payloads
 /// are equal. Two special values of one kind are equal whatever their payload.
 template <typename Payload>
-bool KindEqual(SpecialKind leftKind, Payload left, SpecialKind rightKind, Payload right)
+bool KindEqual(ValueKind leftKind, Payload left, ValueKind rightKind, Payload right)
 {
     if (leftKind != rightKind)
         return false;
@@ -41,7 +41,7 @@ bool KindEqual(SpecialKind leftKind, Payload left, SpecialKind rightKind, Payloa
 /// only against the infinities: against a finite value or itself both
 /// directions are false, as for a floating-point NaN.
 template <typename Payload>
-bool KindLess(SpecialKind leftKind, Payload left, SpecialKind rightKind, Payload right)
+bool KindLess(ValueKind leftKind, Payload left, ValueKind rightKind, Payload right)
 {
     if (leftKind == KindNegativeInfinity)
         return rightKind != KindNegativeInfinity;
