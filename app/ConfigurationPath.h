@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ConfigurationPath.h - the directory the daemon loads its configuration
 // from: the target of the settings link followed by
 // "/syscontrol/1.0/configuration".

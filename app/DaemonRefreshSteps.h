@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DaemonRefreshSteps.h - the refresh steps of the real daemon: the process-
 // wide records, the system's status collector and the 300-second pause.
 //

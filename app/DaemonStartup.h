@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DaemonStartup.h - what the daemon does once before its refresh loop:
 // create the output directory, install the Linux platform and create the
 // publisher.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Globals.h"
 
 // Defined together so that they are built in this order and destroyed in the

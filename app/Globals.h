@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Globals.h - the daemon's three process-wide objects.
 //
 // Constructed before main runs, in this order, and destroyed at exit in the

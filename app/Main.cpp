@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The discovery daemon: publishes the unit's management service description
 // every 300 seconds until a signal ends it. It takes no arguments.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "RefreshLoop.h"
 
 void RunRefreshCycle(RefreshSteps& steps, const char* configurationPath)

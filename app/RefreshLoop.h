@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RefreshLoop.h - the daemon's endless refresh cycle.
 //
 // Called once by the entry point after start-up, on the main thread. Each

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RefreshSteps.h - the five steps of one refresh cycle, as operations that
 // the refresh loop calls in a fixed order.
 //

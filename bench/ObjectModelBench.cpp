@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The cost of owning platform objects: every SmartPtr copy is an atomic
 // increment and decrement on the object's count block.
 #include "Object.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AtomicFileWriter.h - replaces one file in the current working directory
 // atomically and durably: temporary file beside it, fsync, rename over the
 // target, fsync of the directory.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CConfig.h - the unit's configuration record, loaded from the file
 // configuration.xml of the configuration directory.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CNetworkDevice.h - one network interface of the unit as the status
 // snapshot describes it: its number and six texts, each of which may be
 // missing.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CNetworkDeviceList.h - the network interfaces of the status snapshot, in
 // the order of the file's networkDevices element.
 //

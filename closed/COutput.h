@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // COutput.h - one video output of the unit as the status snapshot describes
 // it: its number, its kind and the size of its translation table.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // COutputList.h - the video outputs of the status snapshot, in the order of
 // the file's outputs element.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CServiceEntry.h - one service of the unit's configuration: what kind of
 // service it is and the TCP port it listens on.
 //

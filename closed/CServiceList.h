@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CServiceList.h - the services of the configuration, in the order of the
 // file's services element.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CStatus.h - the unit's status record, loaded from the status snapshot that
 // the status collector writes.
 //

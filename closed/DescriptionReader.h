@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DescriptionReader.h - reads back a service description file that
 // Discovery::WriteToFile wrote: name, types, scopes, port and metadata.
 //

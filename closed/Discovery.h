@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Discovery.h - one service description for network discovery, written as
 // the file "<name>.xml" into the process's current working directory.
 //

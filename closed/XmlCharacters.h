@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XmlCharacters.h - which bytes may stand in an XML 1.0 document that is
 // encoded in UTF-8.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XmlRecordReader.h - reads one small XML record file for the configuration,
 // status and description loaders, and collects every fault it meets as a
 // message with the file's path, line and column.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // XmlWellFormedness.h - the well-formedness rules that pugixml does not
 // enforce, checked on the raw bytes of a document that pugixml accepted.
 //

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compiler settings shared by every target of the project.
 #
 # kiv_strict_warnings(target) turns on the warning set that our own code is

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Install rules for the platform library: the shared library, its public
 # headers flat under include/KivPlr/ beside the umbrella header KivPlr.h, a
 # CMake package (find_package(KivPlr) gives KivPlr::kivplr) and kivplr.pc.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DiscoverableServices.h - publishes the unit's management service
 // description for network discovery, rewriting it only when the management
 // port or a metadata fragment changed since the last cycle.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IMetadata.h - one provider of a fragment of the management description's
 // metadata text.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataBase.h - the changed flag, the cached fragment and the change rule
 // that every metadata provider shares.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataComputerName.h - publishes the unit's computer name as <ComputerName>value</ComputerName>.
 //
 // The third provider of the "cpp:Config" group; created by DiscoverableServices

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataConfigText.h - a provider that publishes one text of the
 // configuration record between an opening and a closing tag.
 //

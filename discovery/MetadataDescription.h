@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataDescription.h - publishes the unit's free description text as <Description>value</Description>.
 //
 // The first provider of the "cpp:Config" group; created by DiscoverableServices

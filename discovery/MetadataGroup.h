@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataGroup.h - a named list of metadata providers that is published as
 // one XML element.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataProductFamily.h - publishes which model of the product family the
 // unit is, as <ProductFamily>TRX-....</ProductFamily>.
 //

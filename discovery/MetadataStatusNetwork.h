@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataStatusNetwork.h - publishes the unit's network interfaces as one
 // <Network> element with a <NetworkDevice> per interface.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataStatusOutput.h - publishes the unit's published video outputs as
 // one <Outputs> element with an <Output> and its translation table size each.
 //

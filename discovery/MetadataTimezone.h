@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataTimezone.h - publishes the unit's time-zone name as <TimeZone>value</TimeZone>.
 //
 // The second provider of the "cpp:Config" group; created by DiscoverableServices

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // discovery-check - loads one of the discovery files with our libraries and
 // prints everything it holds, or every fault with file, line and column.
 //

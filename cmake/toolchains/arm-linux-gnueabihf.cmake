@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Cross build for the controller: 32-bit ARM Linux with glibc, Debian's
 # g++-arm-linux-gnueabihf. The C library and libstdc++ come with the
 # compiler (/usr/arm-linux-gnueabihf); everything else the build links comes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // AccountTool.h - how the account classes run the system's shadow tools.
 //
 // User and UserGroup format a command line into a heap buffer sized for it,

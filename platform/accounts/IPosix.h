@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPosix.h - the small factory of the POSIX thread and synchronisation
 // objects, plus two plain counters.
 //

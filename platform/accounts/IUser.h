@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IUser.h - the platform's service for local user accounts.
 //
 // Checks and changes a user's password through PAM (service "check_user"),

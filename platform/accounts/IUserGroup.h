@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IUserGroup.h - the platform's service for local groups and their members.
 //
 // Adds and deletes groups with the system's shadow tools, adds a user to a

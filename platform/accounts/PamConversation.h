@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PamConversation.h - the PAM conversation that answers every hidden prompt
 // with one password.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Posix.h - the factory of the POSIX thread and synchronisation objects.
 //
 // LinuxPlatform makes one at construction and keeps it in its posix member;

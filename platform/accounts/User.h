@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // User.h - local user accounts through PAM and the system's shadow tools.
 //
 // Made by the platform factory (LinuxPlatform::CreateUser) and owned through

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UserGroup.h - local groups and their members through the system's shadow
 // tools, "id" and "/etc/group".
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UserGroupList.h - the list of a user's groups as the "id" tool prints it.
 //
 // User::GetGroups and UserGroup::RemoveUser read a user's groups by running

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Accounts: PAM for authentication and password changes, libcrypt for the
 # password hash that useradd is given. Looked up through the find root so
 # that the armhf lane links the sysroot's libraries and sees its headers.

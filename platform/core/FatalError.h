@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FatalError.h - the one way the platform library ends the process on a
 // programming error (a null reference, a date out of range, ...).
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IObject.h - the root interface of every platform object.
 //
 // Every interface of the library derives virtually from IObject, so an

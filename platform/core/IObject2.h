@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IObject2.h - adds access to the reference-count block behind an object.
 //
 // A holder that must learn later whether an object still lives keeps the

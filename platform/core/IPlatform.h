@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPlatform.h - the factory of every platform service.
 //
 // Code never builds a lock, thread, clock or file manager itself: it asks the

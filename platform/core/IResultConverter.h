@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IResultConverter.h - turns a native return code into a _Result.
 //
 // Zero means pass (200), anything else means fail (500): a positive error

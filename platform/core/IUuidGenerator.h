@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IUuidGenerator.h - makes fresh random (version 4) identifiers.
 //
 // Generators are constructed directly by their users (the platform factory

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "InterfaceIdentifiers.h"
 
 // The constants hold a vector and so are built at run time, while the library

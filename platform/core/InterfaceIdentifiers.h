@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // InterfaceIdentifiers.h - the fixed identifiers of the library's interface
 // families, the values that QueryInterface takes to name a view of an object.
 //

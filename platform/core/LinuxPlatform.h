@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LinuxPlatform.h - the platform factory of Linux: builds the POSIX and Linux
 // implementations of every platform service.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LinuxResultConverter.h - the result converter of the file and directory managers.
 //
 // Stateless; created with new and shared through SmartPtr by any number of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Object.h - the reference-counted base of every platform object.
 //
 // Object implements the counting of IObject and IObject2 over a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Path.h - the value type in which every file-system path is handed around.
 //
 // A Path fixes its separator style when it is made and rewrites its text to

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Platform.h - the portable base of the platform factory, and the
 // process-wide platform instance.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixResultPassFail.h - the result converter of the POSIX locks, threads and semaphores.
 //
 // Stateless; created with new and shared through SmartPtr by any number of

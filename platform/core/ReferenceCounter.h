@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ReferenceCounter.h - the count block behind every platform object.
 //
 // Object allocates one block per object. `references` is the object's strong

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Result.h - the result code that every platform operation reports.
 //
 // A _Result is handed in by reference as the last argument of an operation

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SmartPtr.h - the intrusive holder through which platform objects are owned.
 //
 // SmartPtr<T> keeps one raw T* and one reference on it. T is an interface

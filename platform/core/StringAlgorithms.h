@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // StringAlgorithms.h - small string conversions shared by the library: the
 // packed-U8 hexadecimal encoding of binary values (identifiers, keys), case
 // conversion and trimming.

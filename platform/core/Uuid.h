@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Uuid.h - the library's 16-byte identifier value.
 //
 // A plain value: made on the stack or as a constant, copied freely; one Uuid

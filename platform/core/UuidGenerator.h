@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // UuidGenerator.h - the random (version 4) identifier generator.
 //
 // Users construct it directly with new (the platform factory does not make

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DirectoryManager.h - the Linux directory manager: IDirectoryManager over
 // mkdir, rmdir, stat, opendir/readdir/closedir, getcwd, chdir and readlink.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FileInfo.h - what the file manager tells about one file: type and
 // permission summary, the three times and the size.
 //

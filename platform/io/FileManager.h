@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FileManager.h - the Linux file manager: IFileManager over open(2), stat(2),
 // link(2), unlink(2) and rename(2).
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IDirectoryManager.h - the platform library's service for directories:
 // create, remove (also a whole tree), test, enumerate, list, and the
 // process's current directory and executable.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IDirectoryPosition.h - the handle of one directory enumeration, from
 // IDirectoryManager::FindFirst to FindRelease.
 //

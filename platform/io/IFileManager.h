@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IFileManager.h - the platform library's service for whole files: test,
 // create, open, delete, rename, hard-link and describe a file named by a Path.
 //

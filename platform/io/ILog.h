@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ILog.h - a channel to the system log through which messages are written at
 // one of three levels.
 //

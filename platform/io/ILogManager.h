@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ILogManager.h - opens the system log channel and hands out the ILog that
 // writes to it.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IStream.h - the platform library's byte stream.
 //
 // A stream is handed out by the file manager (LinuxFileStream over a file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IStreamReader.h - reads text lines, or pieces ending at a chosen delimiter,
 // from an IStream.
 //

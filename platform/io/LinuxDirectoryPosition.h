@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LinuxDirectoryPosition.h - a directory enumeration over an open POSIX
 // directory stream (DIR*).
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LinuxFileStream.h - the byte stream over an open POSIX file descriptor.
 //
 // The file manager opens the descriptor and hands the new stream out through

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Log.h - the Linux log: writes with syslog and closes with closelog.
 //
 // Made by LogManager::Open and owned through SmartPtr<ILog>. It holds no

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LogManager.h - the Linux log manager: openlog with LOG_CONS and a mapped
 // facility, then a new Log.
 //

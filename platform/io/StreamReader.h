@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // StreamReader.h - the line reader of the platform library: one byte per
 // IStream::Read, no buffer of its own, meant for short configuration files
 // such as /etc/group.

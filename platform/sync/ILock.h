@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ILock.h - a monitor: one mutex together with one condition variable.
 //
 // Made by the platform factory (IPlatform::CreateLock) and owned through

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IManualResetEvent.h - an event that stays set until it is reset.
 //
 // Made directly by its users over a monitor lock from the platform

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPosixThreadPriorityConverter.h - maps a platform thread priority to the
 // POSIX scheduling priority that a new thread is created with.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ISemaphore.h - a counting semaphore, private to the process.
 //
 // Made by the platform factory (IPlatform::CreateSemaphore) with the count

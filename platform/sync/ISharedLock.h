@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ISharedLock.h - a reader/writer lock.
 //
 // Made by the platform factory (IPlatform::CreateSharedLock) and owned

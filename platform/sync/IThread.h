@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IThread.h - a thread of the platform library.
 //
 // Made by the platform factory (IPlatform::CreateThread), not yet started,

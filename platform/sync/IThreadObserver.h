@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IThreadObserver.h - hears when a thread's body starts and ends.
 //
 // Handed to a thread when it is made (the platform gives every thread a

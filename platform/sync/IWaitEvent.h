@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IWaitEvent.h - an event that threads wait on and another thread signals.
 //
 // Events are made directly by their users over a monitor lock from the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LockBase.h - the portable half of a monitor lock.
 //
 // LockBase implements ILock by handing every operation to a protected

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ManualResetEvent.h - a wait event with a set flag that stays until Reset.
 //
 // Made with new by its user over a lock from the platform; the lock guards

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PassiveThreadObserver.h - the thread observer that does nothing.
 //
 // The platform factory gives one, newly made, to every thread it creates.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixLock.h - the monitor lock over a POSIX mutex and condition variable.
 //
 // Made by IPosix::CreateLock (through the platform factory) with its own

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixSemaphore.h - the counting semaphore over a POSIX unnamed semaphore.
 //
 // Made by IPosix::CreateSemaphore (through the platform factory) with its own

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixSharedLock.h - the reader/writer lock over a POSIX read-write lock.
 //
 // Made by IPosix::CreateSharedLock (through the platform factory) with its

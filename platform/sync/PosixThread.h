@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixThread.h - the thread over POSIX threads.
 //
 // Made by IPosix::CreateThread (through the platform factory) with an

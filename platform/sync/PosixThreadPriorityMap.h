@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixThreadPriorityMap.h - a priority converter backed by a table of exact
 // platform-to-POSIX priority pairs.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ScopedLock.h - holds an ILock for the lifetime of a block.
 //
 // A stack object, never shared between threads: the constructor locks, the

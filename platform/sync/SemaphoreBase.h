@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SemaphoreBase.h - the portable half of a counting semaphore.
 //
 // SemaphoreBase implements ISemaphore by handing every operation to the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SharedLockBase.h - the portable half of a reader/writer lock.
 //
 // SharedLockBase implements ISharedLock by handing every operation to the

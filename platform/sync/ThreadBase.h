@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ThreadBase.h - the portable half of a thread: name, priority, the started
 // flag, the guarded operations and the observer's two notifications.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // WaitEvent.h - a wait event carried by a monitor lock (ILock).
 //
 // Made with new by its user over a lock from the platform; it keeps a

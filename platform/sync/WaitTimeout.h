@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // WaitTimeout.h - the time-out value of the timed waits that means "none".
 //
 // Every timed wait of the library (ILock, ISemaphore, the events) takes a

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ClockBase.h - the portable part of every stopwatch clock: the coarser
 // units, computed from the elapsed nanoseconds that the concrete clock reads.
 //

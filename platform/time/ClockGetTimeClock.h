@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ClockGetTimeClock.h - the stopwatch over a timespec provider: elapsed time
 // is the provider's current time minus the time read when the clock was made.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Date.h - a calendar day counted from 1970-01-01 (day 0), or +infinity /
 // -infinity.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DateDuration.h - a span of whole days (signed 32-bit), the difference of
 // two Dates, or +infinity / -infinity.
 //

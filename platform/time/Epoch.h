@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Epoch.h - the date 1970-01-01, day 0 of every Date.
 //
 // A plain value class, used where a date is counted from the start of POSIX

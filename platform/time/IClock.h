@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IClock.h - a stopwatch: the time elapsed since the clock was created.
 //
 // Made by the platform factory (CreateClock) over the monotonic clock, so a

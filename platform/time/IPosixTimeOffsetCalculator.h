@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPosixTimeOffsetCalculator.h - IPosixTimespecOffsetCalculator: turns a relative time-out into the
 // absolute deadline that sem_timedwait and pthread_cond_timedwait take.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // IPosixTimeProvider.h - IPosixTimespecProvider: a source of the current POSIX time.
 //
 // The implementation reads one POSIX clock, chosen when it is made

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ISystemClock.h - the machine's wall clock, read and set as a TimePoint.
 //
 // Made by the platform factory (CreateSystemClock); owned through SmartPtr.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Iso8601Duration.h - the ISO 8601 duration text "PnYnMnWnDTnHnMnS": seven
 // single-precision components, a precision, and a reader and writer over a
 // standard stream. It sits beside TimeDuration for configuration and logs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LinuxSystemClock.h - the wall clock through gettimeofday and settimeofday.
 //
 // Made by the platform factory (CreateSystemClock) with no arguments; owned

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixCurrentTime.h - PosixCurrentTimespec: reads one POSIX clock, chosen at construction.
 //
 // The platform factory makes one per lock or semaphore (CLOCK_REALTIME, the

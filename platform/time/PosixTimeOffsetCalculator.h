@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // PosixTimeOffsetCalculator.h - PosixTimespecOffsetCalculator: turns a time-out in milliseconds into an
 // absolute struct timespec deadline read from a timespec provider.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TimeDuration.h - a signed span of time counted in nanoseconds (64 bits),
 // or one of the special values +infinity, -infinity and "not a value".
 //

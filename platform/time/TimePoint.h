@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TimePoint.h - a moment in calendar time: a Date and the TimeDuration since
 // that date's midnight; read from and written as asctime text.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ValueKind.h - the kind tag that every time value carries, and the
 // comparison rules that the tag decides.
 //

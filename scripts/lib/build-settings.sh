@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Sourced by the scripts that configure a build: the arguments they share.
 #
 #   kiv_configure_args 2   # fills the array kiv_args for an -O2 build

@@ -1,1 +1,2 @@
+# SPDX-License-Identifier: Apache-2.0
 kiv_add_test_suite(kivdiscovery_app_tests app LIBRARIES kivdiscovery)

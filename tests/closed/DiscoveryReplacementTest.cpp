@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How Discovery::WriteToFile replaces its file: atomically for a reader that
 // polls it, and not at all when the disk is full, the directory is read-only
 // or the directory is gone. The file-system cases run in a forked child with

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Round trip of the description file: random texts of every character XML
 // can carry, including those that need escaping, must read back exactly,
 // through pugixml (DescriptionReader) and through python3's xml.etree.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // LoadTestHelpers.h - the one-fault check shared by the loader tests of the
 // closed-library replacements.
 //

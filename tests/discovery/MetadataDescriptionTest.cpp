@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "CConfig.h"
 #include "MetadataDescription.h"
 #include "MetadataTesting.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "CStatus.h"
 #include "MetadataStatusOutput.h"
 #include "MetadataTesting.h"

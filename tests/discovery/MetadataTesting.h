@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MetadataTesting.h - helpers of the metadata tests: fill status records in
 // memory, without a status file, and read a provider's fragment.
 //

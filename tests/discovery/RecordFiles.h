@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RecordFiles.h - writes configuration and status files for the publisher's
 // tests and loads them into records through the record libraries.
 //

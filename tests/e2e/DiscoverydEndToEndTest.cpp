@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The real discoveryd, end to end, over many refresh cycles in one run.
 //
 // The daemon runs in a private mount namespace whose /home, /var/lib,

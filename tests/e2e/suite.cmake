@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The end-to-end test of the real discoveryd binary: a private mount
 # namespace, faketime, and a recording stand-in for the status collector.
 # Built once the daemon is part of the tree.

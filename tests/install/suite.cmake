@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The installed library, used from a project outside the tree. Host only: the
 # consumer is built with the host compiler.
 if(NOT CMAKE_CROSSCOMPILING)

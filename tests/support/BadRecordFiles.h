@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // BadRecordFiles.h - configuration and status files that are wrong in one
 // way each, with the message the loaders must give for them.
 //

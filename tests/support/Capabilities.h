@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Capabilities.h - drops a capability from the calling process for good, and
 // checks that it is gone.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ChildProcess.h - runs a piece of test code in a forked child and reports
 // how the child ended and everything it wrote.
 //

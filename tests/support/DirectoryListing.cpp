@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // 32-bit programs under qemu-arm get the 64-bit directory offsets of the
 // host kernel; without large-file readdir glibc fails on them (EOVERFLOW) and
 // the listing comes back empty.

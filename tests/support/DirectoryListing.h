@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DirectoryListing.h - the names in one directory, for tests that check
 // what a program left behind (no temporary files, exactly one snapshot).
 //

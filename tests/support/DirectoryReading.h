@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DirectoryReading.h - whether this process can enumerate a directory.
 //
 // Under qemu-arm user-mode emulation the host kernel hands a 32-bit program

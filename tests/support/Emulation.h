@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Emulation.h - what a test needs to know about running under qemu-arm.
 //
 // The armhf lane runs every test under user-mode emulation. Programs that a

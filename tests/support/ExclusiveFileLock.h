@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ExclusiveFileLock.h - holds an exclusive flock on a file for one scope, so
 // that test processes started side by side (ctest -j, two lanes at once)
 // take turns at a resource that they would otherwise race for.

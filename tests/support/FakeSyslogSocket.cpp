@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "FakeSyslogSocket.h"
 
 #include "ChildProcess.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FakeSyslogSocket.h - a datagram socket that stands in for the system
 // logger, so that a test sees exactly what syslog(3) sends.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FakeTimeOffsetCalculator.h - a time-out calculator for tests that
 // records every time-out it is asked for and answers with a deadline the
 // test chose.

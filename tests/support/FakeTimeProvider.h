@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FakeTimeProvider.h - a timespec provider whose time the test sets.
 //
 // Deadline and stopwatch tests hand it to the object under test and move its

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FatalMessage.h - which message a fatal path handed to KivPlr::FatalError.
 //
 // The fatal-error routine prints nothing, so death tests that must tell one

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // InnerTest.h - runs one test of the current test executable again in a
 // fresh process that was prepared for it.
 //

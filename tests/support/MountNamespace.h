@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // MountNamespace.h - puts a forked test child into a private mount
 // namespace, where it may cover system paths (/dev/shm, /var/lib, /home,
 // /sys/class/drm, ...) with tmpfs or bind mounts that the machine never sees.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NullReference.h - references bound to address 0, as a caller produces them
 // by handing a null pointer to a reference parameter.
 //

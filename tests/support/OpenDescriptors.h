@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OpenDescriptors.h - what the kernel says about this process's open files:
 // which descriptors refer to a path, and the flags an open descriptor has.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RecordingCollector.h - a recording stand-in for the status collector: a
 // shell script that the daemon runs in its place once per cycle. Each run
 // logs its command line, the program that ran it and the (possibly faked) time, records

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RecordingLock.h - an ILock for tests that blocks nothing and records every
 // call, in order, as a short text ("Lock", "Unlock", "NotifyAll",
 // "Wait", "Wait(250)", ...).

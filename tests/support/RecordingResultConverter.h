@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RecordingResultConverter.h - a result converter for tests that converts
 // like the POSIX one (0 passes, anything else fails) and records every
 // native code it was given.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // RecordingShellTools.h - stand-ins for command-line tools that record how
 // they were called.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // SampleStatus.h - the text of a typical status snapshot for tests that
 // need one: one network device with every item (number 1, eth0) and one
 // published output (number 1, 2 rows, 4 columns).

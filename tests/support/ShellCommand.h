@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ShellCommand.h - runs one command line through /bin/sh in a forked child
 // and reports its exit status and everything it printed.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // StandardOutputCapture.h - collects everything the process writes to its
 // standard output (file descriptor 1, stdio included) while it lives.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // TemporaryDirectory.h - a fresh directory under $TMPDIR (or /tmp) for one
 // test, removed with everything in it when the object goes.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ThrowawayAccounts.h - lets account tests run the real shadow tools
 // without touching the machine's accounts.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // WorkingDirectoryGuard.h - puts the process's working directory back when a
 // test that changes it ends, however it ends (a failed ASSERT returns early).
 //

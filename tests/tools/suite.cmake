@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Tests of the programs in tools/. Each program's tests have a folder of their
 # own, so that every program gets its own test executable.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fuzz target of VpCfg::CConfig::LoadResources: any bytes as configuration.xml.
 // Checks that a failed load leaves the record exactly as it was, that a
 // successful one respects the limits, and that every message names the file.

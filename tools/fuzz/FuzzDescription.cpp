@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fuzz target of the description round trip: texts taken from the input are
 // written with KivDiscoveryClient::Discovery::WriteToFile and read back with
 // DescriptionReader. A write must succeed exactly when every text is valid

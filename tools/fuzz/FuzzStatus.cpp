@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Fuzz target of VpSts::CStatus::Load: any bytes as the status file. Checks
 // that a failed load leaves the record exactly as it was (null device texts
 // included), that a successful one respects the limits, and that every

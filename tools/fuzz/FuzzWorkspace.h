@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // FuzzWorkspace.h - a private scratch directory for one fuzzing process,
 // under /dev/shm when it exists (files there never reach a disk), removed
 // with its contents when the process exits.

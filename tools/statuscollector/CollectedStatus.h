@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CollectedStatus.h - what the status collector found on this machine: the
 // model code, the network devices and the display outputs, in the order in
 // which they go into the status snapshot.

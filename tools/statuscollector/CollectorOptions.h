@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // CollectorOptions.h - the command line of the status collector:
 //
 //   statuscollector [-nolog] [-output FILE]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DefaultGatewayTable.h - the IPv4 default gateways of the machine, per
 // interface, read from the kernel's routing table in /proc/net/route.
 //

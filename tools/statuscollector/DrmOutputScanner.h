@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // DrmOutputScanner.h - lists the display connectors of the machine's
 // graphics devices as status outputs: one per connector under
 // /sys/class/drm, numbered from 1 in name order, connected or not.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ModelCodeSetting.h - the collector's setting for the unit's model code:
 // the environment variable STATUSCOLLECTOR_MODEL_CODE, unsigned decimal.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // NetworkDeviceScanner.h - lists the machine's network interfaces other
 // than loopback with their MAC, first IPv4 address and netmask, preferred
 // IPv6 address and IPv4 default gateway, ordered by interface index.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // StatusCollector.h - gathers the status snapshot of the machine it runs
 // on (model code setting, network devices, display connectors) and
 // replaces the snapshot file atomically.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // StatusDocument.h - renders what the collector found as the status
 // snapshot that the status library loads: XML 1.0 in UTF-8, root "status".
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reference status collector: writes the status snapshot of the machine
 // it runs on (see docs/operations.md). Exit status 0 when the snapshot was
 // written, 1 when it could not be collected or written (the previous one then

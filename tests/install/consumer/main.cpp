@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Uses the installed library through its umbrella header only; prints what it
 // saw so that the test can compare.
 #include <KivPlr/KivPlr.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "PassiveThreadObserver.h"
 #include "SmartPtr.h"
 #include "ThreadBase.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "FatalMessage.h"
 #include "LinuxPlatform.h"
 #include "PassiveThreadObserver.h"

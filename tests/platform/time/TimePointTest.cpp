@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "Epoch.h"
 #include "FatalMessage.h"
 #include "TimePoint.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of the discovery-check program, run as a separate process (through
 // qemu-arm in the armhf lane).
 

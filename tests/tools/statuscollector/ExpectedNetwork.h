@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // ExpectedNetwork.h - what the collector's network devices should be on
 // this machine, as `ip -j addr` and `ip -j route` report them (through the
 // script ip_expectation.py), and the same one-line form for what it found.

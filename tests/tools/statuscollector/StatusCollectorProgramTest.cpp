@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Tests of the statuscollector program as the daemon runs it: command line,
 // diagnostics, the snapshot it writes and where.
 

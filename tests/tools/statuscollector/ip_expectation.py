@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """What the status collector should report for this machine's network, as
 `ip -j addr` and `ip -j route` see it: one line per interface other than
 loopback, in interface index order,
