@@ -3,20 +3,29 @@
 # headers flat under include/KivPlr/ beside the umbrella header KivPlr.h, a
 # CMake package (find_package(KivPlr) gives KivPlr::kivplr) and kivplr.pc.
 # Programs and their service files install themselves from their folders.
+#
+# Every file belongs to one of three install components, so that a unit gets
+# only what runs there (cmake --install BUILD --component NAME):
+#   runtime      discoveryd, discovery-check, libkivplr.so.<major> and the
+#                closed libraries (versioned files), the systemd unit, the
+#                man pages of both programs, the licence
+#   collector    the reference statuscollector and its man page: a unit with
+#                the device's own collector leaves it out
+#   development  headers, the CMake package, kivplr.pc, libkivplr.so
 
 include(CMakePackageConfigHelpers)
 
 install(TARGETS kivplr
     EXPORT KivPlrTargets
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+        COMPONENT runtime NAMELINK_COMPONENT development)
 
 install(FILES ${KIVPLR_PUBLIC_HEADERS} ${KIVPLR_GENERATED_DIR}/KivPlr/KivPlr.h
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KivPlr)
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KivPlr COMPONENT development)
 
 set(KIVPLR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivPlr)
-install(EXPORT KivPlrTargets NAMESPACE KivPlr:: DESTINATION ${KIVPLR_CMAKE_DIR})
+install(EXPORT KivPlrTargets NAMESPACE KivPlr:: DESTINATION ${KIVPLR_CMAKE_DIR}
+    COMPONENT development)
 
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/KivPlrConfig.cmake.in
     ${PROJECT_BINARY_DIR}/KivPlrConfig.cmake
@@ -24,11 +33,19 @@ configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/KivPlrConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/KivPlrConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/KivPlrConfig.cmake ${PROJECT_BINARY_DIR}/KivPlrConfigVersion.cmake
-    DESTINATION ${KIVPLR_CMAKE_DIR})
+    DESTINATION ${KIVPLR_CMAKE_DIR} COMPONENT development)
 
 # The .pc file finds the prefix relative to itself, so the tree can be
 # installed under any prefix (or DESTDIR) and moved afterwards.
 file(RELATIVE_PATH KIVPLR_PC_PREFIX_FROM_PCDIR
     /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kivplr.pc.in ${PROJECT_BINARY_DIR}/kivplr.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/kivplr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/kivplr.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+
+# Debian packages carry their own copyright file and turn this off.
+option(KIV_INSTALL_LICENSE "Install LICENSE into share/doc/kivdiscovery" ON)
+if(KIV_INSTALL_LICENSE)
+    install(FILES ${PROJECT_SOURCE_DIR}/LICENSE
+        DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/kivdiscovery COMPONENT runtime)
+endif()
