@@ -113,7 +113,12 @@ void DirectoryManager::Remove(const Path& path, bool recursive, _Result& result)
         Convert(rmdir(path.GetPath()), result);
         return;
     }
-    result = RemoveTree(Absolute(path).GetPath()) ? ResultPass : ResultFail;
+    Path tree;
+    if (!Absolute(path, tree)) {
+        result = ResultFail;
+        return;
+    }
+    result = RemoveTree(tree.GetPath()) ? ResultPass : ResultFail;
 }
 
 void DirectoryManager::Exists(const Path& path, _Result& result)
@@ -143,7 +148,11 @@ void DirectoryManager::List(const Path& path, bool wantDirectories, std::vector<
         result = ResultFail;
         return;
     }
-    Path directory = Absolute(path);
+    Path directory;
+    if (!Absolute(path, directory)) {
+        result = ResultFail; // whatever the vector already holds
+        return;
+    }
     // Names are appended to what the caller's vector already holds.
     if (names.capacity() < 5)
         names.reserve(5);
@@ -180,7 +189,12 @@ void DirectoryManager::FindFirst(const Path& path, SmartPtr<IDirectoryPosition>&
         result = ResultFail;
         return;
     }
-    std::string directory = Absolute(path).GetPath();
+    Path absolute;
+    if (!Absolute(path, absolute)) {
+        result = ResultFail;
+        return;
+    }
+    std::string directory = absolute.GetPath();
     // "dir/*" enumerates dir; no other wildcard is understood.
     if (!directory.empty() && directory.back() == '*')
         directory.pop_back();
@@ -308,14 +322,21 @@ void DirectoryManager::Reserved1(_Result& result)
         result = ResultNotSupported;
 }
 
-Path DirectoryManager::Absolute(const Path& path) const
+bool DirectoryManager::Absolute(const Path& path, Path& absolute) const
 {
+    absolute = path;
+    if (path.IsAbsolute())
+        return true;
+    // Without a current directory there is nothing to read a relative path
+    // against: an empty base would turn "tmp/x" into "/tmp/x", a different
+    // directory altogether, so the caller gives up instead.
     std::string current;
-    _Result ignored = ResultFail;
-    GetCurrent(current, ignored);
-    Path absolute(path);
+    _Result read = ResultFail;
+    GetCurrent(current, read);
+    if (!Succeeded(read))
+        return false;
     absolute.MakeAbsolute(current);
-    return absolute;
+    return true;
 }
 
 } // namespace KivPlr

@@ -38,8 +38,10 @@ public:
 private:
     /// GetDirectories (\p wantDirectories) and GetFiles in one.
     void List(const Path& path, bool wantDirectories, std::vector<std::string>& names, _Result& result);
-    /// \p path made absolute against the current directory.
-    Path Absolute(const Path& path) const;
+    /// \p absolute = \p path made absolute against the current directory
+    /// (an absolute \p path as it is). False, with nothing to go on, when
+    /// \p path is relative and the current directory cannot be read.
+    bool Absolute(const Path& path, Path& absolute) const;
 };
 
 } // namespace KivPlr

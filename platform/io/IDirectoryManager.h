@@ -36,7 +36,9 @@ public:
     /// below and the directory itself, 200 only when everything went. Entries
     /// that are neither directories nor regular files (symbolic links, FIFOs,
     /// sockets, devices) are left in place, so a tree holding one gives 500
-    /// after everything else has been removed.
+    /// after everything else has been removed. A relative \p path is read
+    /// against the current directory; when that cannot be read (GetCurrent
+    /// fails) the recursive form removes nothing and gives 500.
     virtual void Remove(const Path& path, bool recursive, _Result& result) = 0;
     /// 200 when anything exists at \p path, else 500.
     virtual void Exists(const Path& path, _Result& result) = 0;
@@ -44,15 +46,18 @@ public:
     /// ("." and ".." included). The vector is not cleared; 200 when it is not
     /// empty afterwards, else 500. Each bare entry name is classified against
     /// the process's current directory, not against \p path: the lists are
-    /// right for the current directory.
+    /// right for the current directory. A relative \p path whose current
+    /// directory cannot be read gives 500 and leaves the vector alone, even
+    /// a vector that already held names.
     virtual void GetDirectories(const Path& path, std::vector<std::string>& names, _Result& result) = 0;
     /// As GetDirectories, for the entries that are not directories there.
     virtual void GetFiles(const Path& path, std::vector<std::string>& names, _Result& result) = 0;
     /// Starts an enumeration of the directory (a relative path is read
     /// against the current directory; one trailing "*" is dropped, so "dir/*"
     /// lists dir). 200 with the first bare entry name and the position; 500
-    /// when the directory cannot be opened or is empty, leaving \p position
-    /// and \p name alone. "." and ".." are reported like any other name.
+    /// when the directory cannot be opened or is empty, or when \p path is
+    /// relative and the current directory cannot be read, leaving
+    /// \p position and \p name alone. "." and ".." are reported like any other name.
     virtual void FindFirst(const Path& path, SmartPtr<IDirectoryPosition>& position, std::string& name,
                            _Result& result) const = 0;
     /// The next entry name and 200; 500 at the end (for good), leaving

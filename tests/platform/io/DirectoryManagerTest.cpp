@@ -97,6 +97,40 @@ std::string MakeDirectoryOfLength(const std::string& base, std::size_t length)
     return path;
 }
 
+// True when getcwd can report the working directory in \p size bytes.
+bool WorkingDirectoryFitsIn(std::size_t size)
+{
+    std::vector<char> buffer(size);
+    return getcwd(buffer.data(), buffer.size()) != nullptr;
+}
+
+// Makes \p relative (components separated by "/") below \p base, one
+// directory at a time; false when one cannot be made.
+bool MakeDirectoryChain(const std::string& base, const std::string& relative)
+{
+    std::string path = base;
+    std::string::size_type start = 0;
+    while (start <= relative.size()) {
+        std::string::size_type end = relative.find('/', start);
+        if (end == std::string::npos)
+            end = relative.size();
+        path += "/" + relative.substr(start, end - start);
+        if (mkdir(path.c_str(), 0755) != 0 && errno != EEXIST)
+            return false;
+        start = end + 1;
+    }
+    return true;
+}
+
+// The two ways getcwd stops answering: a working directory of 1024 bytes or
+// more, and one that was removed after we entered it.
+enum class UnreadableWorkingDirectory { TooLong, Removed };
+
+const char* DescribeKind(UnreadableWorkingDirectory kind)
+{
+    return kind == UnreadableWorkingDirectory::TooLong ? "1100-byte working directory" : "removed working directory";
+}
+
 class DirectoryManagerTest : public ::testing::Test
 {
 protected:
@@ -146,6 +180,55 @@ protected:
             released = result == ResultPass && !position;
         }
         return names;
+    }
+
+    // The temporary directory as getcwd spells it (no symbolic links).
+    std::string RealPath() const
+    {
+        WorkingDirectoryGuard enter(directory.Path());
+        return CurrentDirectory();
+    }
+
+    // Makes a working directory that getcwd cannot report, of \p kind, and
+    // enters it with \p guard's help (the caller's guard puts the old one
+    // back). Below the 1100-byte one sits \p relative too, so that a correct
+    // resolution would find something; a removed one holds nothing.
+    bool EnterUnreadableWorkingDirectory(UnreadableWorkingDirectory kind, const std::string& relative)
+    {
+        if (kind == UnreadableWorkingDirectory::TooLong) {
+            std::string deep = MakeDirectoryOfLength(RealPath(), 1100);
+            if (deep.size() != 1100 || !MakeDirectoryChain(deep, relative) || !WriteFile(deep + "/" + relative + "/f", "x"))
+                return false;
+            return chdir(deep.c_str()) == 0 && !WorkingDirectoryFitsIn(1024);
+        }
+        if (mkdir(Sub("gone").c_str(), 0755) != 0 || chdir(Sub("gone").c_str()) != 0)
+            return false;
+        return rmdir(Sub("gone").c_str()) == 0 && !WorkingDirectoryFitsIn(1024);
+    }
+
+    // A tree of the test's own, named by \p name below the test directory,
+    // and the relative path that reaches it when read against "/" rather
+    // than against the working directory. The wrong reading of that path
+    // therefore stays inside the test's directory.
+    std::string MakeVictim(const std::string& name)
+    {
+        const std::string victim = Sub(name);
+        // Read against "/", the relative path must land on the victim and
+        // nowhere else: no climbing or "./" segments that would shift it.
+        for (const char* shifting : {"./", ".\\"}) {
+            if (victim[0] != '/' || victim.find(shifting) != std::string::npos) {
+                ADD_FAILURE() << "TMPDIR gives an unusable victim path " << victim;
+                return "";
+            }
+        }
+        if (!MakeTree({name + "/", name + "/sub/", name + "/sub/f", name + "/f"}))
+            return "";
+        return victim.substr(1);
+    }
+
+    bool VictimIsWhole(const std::string& name) const
+    {
+        return Exists(Sub(name + "/sub/f")) && Exists(Sub(name + "/f"));
     }
 
     TemporaryDirectory directory;
@@ -235,6 +318,87 @@ TEST_F(DirectoryManagerTest, RecursiveRemoveOfRelativePathUsesCurrentDirectory)
     ASSERT_EQ(chdir(directory.Path().c_str()), 0);
     _Result result = ResultFail;
     directories->Remove(Path("tree"), true, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_FALSE(Exists(Sub("tree")));
+}
+
+TEST_F(DirectoryManagerTest, RecursiveRemoveOfRelativePathFailsWhenWorkingDirectoryUnreadable)
+{
+    for (UnreadableWorkingDirectory kind : {UnreadableWorkingDirectory::TooLong, UnreadableWorkingDirectory::Removed}) {
+        SCOPED_TRACE(DescribeKind(kind));
+        const std::string name = kind == UnreadableWorkingDirectory::TooLong ? "victim-long" : "victim-gone";
+        const std::string relative = MakeVictim(name);
+        ASSERT_FALSE(relative.empty());
+        WorkingDirectoryGuard guard;
+        ASSERT_TRUE(EnterUnreadableWorkingDirectory(kind, relative));
+        _Result result = ResultPass;
+        directories->Remove(Path(relative), true, result);
+        EXPECT_EQ(result, ResultFail);
+        EXPECT_TRUE(VictimIsWhole(name));
+        if (kind == UnreadableWorkingDirectory::TooLong) {
+            EXPECT_TRUE(Exists(relative + "/f")); // the tree the path really names
+        }
+    }
+}
+
+TEST_F(DirectoryManagerTest, ListingsOfRelativePathFailWhenWorkingDirectoryUnreadable)
+{
+    const std::string relative = MakeVictim("victim");
+    ASSERT_FALSE(relative.empty());
+    for (UnreadableWorkingDirectory kind : {UnreadableWorkingDirectory::TooLong, UnreadableWorkingDirectory::Removed}) {
+        SCOPED_TRACE(DescribeKind(kind));
+        WorkingDirectoryGuard guard;
+        ASSERT_TRUE(EnterUnreadableWorkingDirectory(kind, relative));
+        for (const std::string& pattern : {relative, relative + "/*"}) {
+            SCOPED_TRACE(pattern);
+            _Result result = ResultPass;
+            std::vector<std::string> names;
+            directories->GetFiles(Path(pattern), names, result);
+            EXPECT_EQ(result, ResultFail);
+            EXPECT_TRUE(names.empty());
+            result = ResultPass;
+            directories->GetDirectories(Path(pattern), names, result);
+            EXPECT_EQ(result, ResultFail);
+            EXPECT_TRUE(names.empty());
+            // Not even names gathered earlier make these succeed.
+            names = {"earlier"};
+            result = ResultPass;
+            directories->GetFiles(Path(pattern), names, result);
+            EXPECT_EQ(result, ResultFail);
+            EXPECT_EQ(names, std::vector<std::string>{"earlier"});
+
+            SmartPtr<IDirectoryPosition> position;
+            std::string name = "kept";
+            result = ResultPass;
+            directories->FindFirst(Path(pattern), position, name, result);
+            EXPECT_EQ(result, ResultFail);
+            EXPECT_FALSE(position);
+            EXPECT_EQ(name, "kept");
+            if (position) {
+                _Result released = ResultFail;
+                directories->FindRelease(position, released);
+            }
+        }
+        EXPECT_TRUE(VictimIsWhole("victim"));
+    }
+}
+
+TEST_F(DirectoryManagerTest, AbsolutePathsAreServedWhenWorkingDirectoryUnreadable)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    ASSERT_TRUE(MakeTree({"list/", "list/f", "tree/", "tree/a/", "tree/a/f"}));
+    WorkingDirectoryGuard guard;
+    ASSERT_TRUE(EnterUnreadableWorkingDirectory(UnreadableWorkingDirectory::TooLong, "elsewhere"));
+    std::vector<std::string> names;
+    _Result result = ResultFail;
+    directories->GetFiles(Path(Sub("list")), names, result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(names, std::vector<std::string>{"f"}); // "f" is not a directory here either
+    bool released = false;
+    EXPECT_EQ(Enumerate(Sub("list"), released), (Names{".", "..", "f"}));
+    EXPECT_TRUE(released);
+    result = ResultFail;
+    directories->Remove(Path(Sub("tree")), true, result);
     EXPECT_EQ(result, ResultPass);
     EXPECT_FALSE(Exists(Sub("tree")));
 }
