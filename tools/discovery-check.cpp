@@ -5,9 +5,10 @@
 //   discovery-check config DIR          DIR/configuration.xml
 //   discovery-check status FILE         a status snapshot
 //   discovery-check description FILE    a service description file
+//   discovery-check --help | --version  usage or version on standard output
 //
-// Exit status: 0 when the file loaded, 1 when it did not (the faults go to
-// standard error), 2 on a wrong command line.
+// Exit status: 0 when the file loaded (or for --help and --version), 1 when
+// it did not (the faults go to standard error), 2 on a wrong command line.
 
 #include "CConfig.h"
 #include "CStatus.h"
@@ -145,12 +146,18 @@ int CheckDescription(const char* file)
     return kExitLoaded;
 }
 
-int Usage()
+void PrintUsage(FILE* stream)
 {
-    std::fprintf(stderr,
+    std::fprintf(stream,
                  "usage: discovery-check config DIR\n"
                  "       discovery-check status FILE\n"
-                 "       discovery-check description FILE\n");
+                 "       discovery-check description FILE\n"
+                 "       discovery-check --help | --version\n");
+}
+
+int Usage()
+{
+    PrintUsage(stderr);
     return kExitUsage;
 }
 
@@ -158,6 +165,15 @@ int Usage()
 
 int main(int argc, char** argv)
 {
+    // Asked for, the usage and the version go to standard output.
+    if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
+        PrintUsage(stdout);
+        return kExitLoaded;
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
+        std::printf("discovery-check %s\n", KIV_VERSION);
+        return kExitLoaded;
+    }
     if (argc != 3)
         return Usage();
     if (std::strcmp(argv[1], "config") == 0)

@@ -6,12 +6,14 @@ kiv_add_test_suite(statuscollector_tests tools/statuscollector LIBRARIES kiv_sta
 if(TARGET statuscollector_tests)
     add_dependencies(statuscollector_tests statuscollector)
     target_compile_definitions(statuscollector_tests PRIVATE
-        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>")
+        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>"
+        KIV_PROJECT_VERSION="${PROJECT_VERSION}")
 endif()
 
 kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient)
 if(TARGET discovery_check_tests)
     add_dependencies(discovery_check_tests discovery-check)
     target_compile_definitions(discovery_check_tests PRIVATE
-        KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>")
+        KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>"
+        KIV_PROJECT_VERSION="${PROJECT_VERSION}")
 endif()

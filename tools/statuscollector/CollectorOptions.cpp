@@ -5,9 +5,17 @@ namespace KivCollector {
 
 bool CollectorOptions::Parse(int argc, const char* const* argv)
 {
+    request = Request::Collect;
     quiet = false;
     outputFile = DefaultOutputFile;
     problem.clear();
+    for (int index = 1; index < argc; ++index) {
+        std::string argument = argv[index] != nullptr ? argv[index] : "";
+        if (argument == "--help" || argument == "--version") {
+            request = argument == "--help" ? Request::Help : Request::Version;
+            return true;
+        }
+    }
     for (int index = 1; index < argc; ++index) {
         if (argv[index] != nullptr && std::string(argv[index]) == "-nolog")
             quiet = true;
@@ -28,6 +36,20 @@ bool CollectorOptions::Parse(int argc, const char* const* argv)
         return false;
     }
     return true;
+}
+
+std::string CollectorOptions::Answer() const
+{
+    if (request == Request::Version)
+        return std::string("statuscollector ") + KIV_VERSION + "\n";
+    if (request == Request::Help)
+        return std::string(Usage) + "\n"
+               "       statuscollector --help | --version\n"
+               "Writes the status snapshot of this machine (network devices, display outputs,\n"
+               "model code from STATUSCOLLECTOR_MODEL_CODE) to " + DefaultOutputFile + ".\n"
+               "  -nolog        print no diagnostics\n"
+               "  -output FILE  write FILE instead\n";
+    return "";
 }
 
 } // namespace KivCollector

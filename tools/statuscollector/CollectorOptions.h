@@ -2,13 +2,16 @@
 // CollectorOptions.h - the command line of the status collector:
 //
 //   statuscollector [-nolog] [-output FILE]
+//   statuscollector --help | --version
 //
 // "-nolog" silences the collector's own diagnostics; "-output FILE" writes
-// the snapshot to FILE instead of /dev/shm/status.xml. Made by main() from
-// argv; a plain value used by one thread.
+// the snapshot to FILE instead of /dev/shm/status.xml; "--help" and
+// "--version" ask for a text on standard output instead of a snapshot. Made
+// by main() from argv; a plain value used by one thread.
 //
 //   CollectorOptions options;
 //   if (!options.Parse(argc, argv)) { ...options.Problem()...; return CollectorOptions::UsageExitStatus; }
+//   if (options.Asked() != CollectorOptions::Request::Collect) { ...print options.Answer()...; return 0; }
 #ifndef KIV_TOOLS_COLLECTOROPTIONS_H
 #define KIV_TOOLS_COLLECTOROPTIONS_H
 
@@ -26,19 +29,29 @@ public:
     /// One line describing the command line, without a line feed.
     static constexpr const char* Usage = "usage: statuscollector [-nolog] [-output FILE]";
 
+    /// What the command line asks for.
+    enum class Request { Collect, Help, Version };
+
     /// Reads the arguments after argv[0]. Each option may be given more than
     /// once (the last "-output" wins). False for an unknown argument, an
     /// "-output" without a file or with an empty one; Problem() then says
     /// which. "-nolog" counts even when a later argument is wrong, so that a
-    /// silenced caller stays silent.
+    /// silenced caller stays silent. The first "--help" or "--version"
+    /// anywhere on the line decides the request, and the other arguments are
+    /// then not looked at.
     bool Parse(int argc, const char* const* argv);
 
+    Request Asked() const { return request; }
+    /// The text a Help or Version request prints, ending in a line feed;
+    /// empty for Collect.
+    std::string Answer() const;
     bool Quiet() const { return quiet; }
     const std::string& OutputFile() const { return outputFile; }
     /// What was wrong with the command line; empty after a good parse.
     const std::string& Problem() const { return problem; }
 
 private:
+    Request request = Request::Collect;
     bool quiet = false;
     std::string outputFile = DefaultOutputFile;
     std::string problem;

@@ -32,6 +32,10 @@ int main(int argc, char** argv)
         Say(options, CollectorOptions::Usage);
         return CollectorOptions::UsageExitStatus;
     }
+    if (options.Asked() != CollectorOptions::Request::Collect) {
+        std::fputs(options.Answer().c_str(), stdout);
+        return 0;
+    }
     CollectedStatus status;
     std::vector<std::string> warnings;
     std::string fault;

@@ -83,3 +83,23 @@ TEST(CollectorOptionsTest, ParseStartsAfresh)
     EXPECT_FALSE(options.Quiet());
     EXPECT_EQ(options.OutputFile(), "/dev/shm/status.xml");
 }
+
+TEST(CollectorOptionsTest, HelpAnywhereAsksForHelpAndSkipsTheOtherArguments)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"-output", "--help", "-bogus"}));
+    EXPECT_EQ(options.Asked(), CollectorOptions::Request::Help);
+    EXPECT_EQ(options.Problem(), "");
+    EXPECT_EQ(options.Answer().rfind(std::string(CollectorOptions::Usage) + "\n", 0), 0u) << options.Answer();
+}
+
+TEST(CollectorOptionsTest, TheFirstOfVersionAndHelpDecides)
+{
+    CollectorOptions options;
+    EXPECT_TRUE(Parse(options, {"--version", "--help"}));
+    EXPECT_EQ(options.Asked(), CollectorOptions::Request::Version);
+    EXPECT_EQ(options.Answer(), std::string("statuscollector ") + KIV_PROJECT_VERSION + "\n");
+    EXPECT_TRUE(Parse(options, {"-nolog"}));
+    EXPECT_EQ(options.Asked(), CollectorOptions::Request::Collect);
+    EXPECT_EQ(options.Answer(), "");
+}
