@@ -1,0 +1,12 @@
+# SPDX-License-Identifier: Apache-2.0
+# The installed systemd unit: systemd-analyze verify is clean and the
+# sandbox's exposure stays at 3.0 or lower. Host only: the unit is the same
+# for every architecture. The Debian packages have their own test
+# (tests/package/test-packages, run by scripts/test-package).
+if(NOT CMAKE_CROSSCOMPILING)
+    add_test(NAME PackageTest.ServiceUnitVerifiesCleanWithExposureAtMostThree
+        COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/package/check-service-unit ${PROJECT_BINARY_DIR})
+    set_tests_properties(PackageTest.ServiceUnitVerifiesCleanWithExposureAtMostThree PROPERTIES
+        LABELS package
+        SKIP_REGULAR_EXPRESSION "check-service-unit: SKIPPED")
+endif()
