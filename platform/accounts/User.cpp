@@ -7,6 +7,8 @@
 #include "UserGroupList.h"
 
 #include <crypt.h>
+#include <cstdlib>
+#include <cstring>
 #include <security/pam_appl.h>
 
 namespace KivPlr {
@@ -37,6 +39,14 @@ _Result RunTransaction(const char* userName, const char* password, Step step)
     return status == PAM_SUCCESS ? ResultPass : ResultFail;
 }
 
+// The work area of crypt_r, 32 KiB with libxcrypt: on the heap, since a
+// platform thread may have been given a small stack. It starts zeroed, as
+// crypt_r wants it on first use. Null when there is no memory.
+struct crypt_data* NewHashWorkArea()
+{
+    return static_cast<struct crypt_data*>(std::calloc(1, sizeof(struct crypt_data)));
+}
+
 } // namespace
 
 void User::Authenticate(const char* userName, const char* password, _Result& result)
@@ -56,10 +66,17 @@ void User::Add(const char* userName, const char* password, _Result& result)
     result = ResultFail;
     if (userName == nullptr || password == nullptr)
         return;
-    const char* hash = HashPassword(password);
-    if (hash == nullptr)
+    struct crypt_data* work = NewHashWorkArea();
+    if (work == nullptr)
         return;
-    result = RunAndWipe(AccountTool::Format("useradd %s -p %s", userName, hash));
+    const char* hash = HashPassword(password, *work);
+    char* commandLine = hash != nullptr ? AccountTool::Format("useradd %s -p %s", userName, hash) : nullptr;
+    // From here the line holds the only copy of the hash; the work area also
+    // holds the key schedule made from the password.
+    explicit_bzero(work, sizeof *work);
+    ReleaseHashWorkArea(work, sizeof *work);
+    // A null line (no hash, or formatting failed) gives 500 and runs nothing.
+    result = RunAndWipe(commandLine);
 }
 
 void User::Delete(const char* userName, _Result& result)
@@ -94,21 +111,33 @@ _Result User::RunAndWipe(char* commandLine)
 {
     if (commandLine == nullptr)
         return ResultFail;
-    _Result result = AccountTool::Run(commandLine);
+    _Result result = RunCommandLine(commandLine);
     // The useradd line holds the password hash.
     AccountTool::Wipe(commandLine);
     ReleaseCommandLine(commandLine);
     return result;
 }
 
-const char* User::HashPassword(const char* password)
+const char* User::HashPassword(const char* password, struct crypt_data& work)
 {
-    return crypt(password, password);
+    // crypt_r, not crypt_rn: on a salt it cannot use it answers with the same
+    // failure token ("*0") as crypt does, and useradd is given that token.
+    return crypt_r(password, password, &work);
+}
+
+void User::ReleaseHashWorkArea(struct crypt_data* work, std::size_t)
+{
+    std::free(work);
 }
 
 void User::ReleaseCommandLine(char* commandLine)
 {
     AccountTool::Release(commandLine);
+}
+
+_Result User::RunCommandLine(const char* commandLine)
+{
+    return AccountTool::Run(commandLine);
 }
 
 } // namespace KivPlr

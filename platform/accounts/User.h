@@ -16,6 +16,12 @@
 #include "IUser.h"
 #include "Object.h"
 
+#include <cstddef>
+
+// The C library's work area for crypt_r (<crypt.h>, which users of this
+// header do not need).
+struct crypt_data;
+
 namespace KivPlr {
 
 class User : private Object, public IUser
@@ -26,8 +32,9 @@ public:
     /// when PAM cannot start or a name or the password is null.
     void Authenticate(const char* userName, const char* password, _Result& result) override;
     /// Runs "useradd <user> -p <hash>" with the hash of HashPassword. A null
-    /// hash (or a null argument) gives 500 and runs nothing. The command line
-    /// is overwritten with zero bytes before it is freed.
+    /// hash (or a null argument) gives 500 and runs nothing. The hash's work
+    /// area is overwritten with zero bytes before the tool runs, the command
+    /// line before it is freed.
     void Add(const char* userName, const char* password, _Result& result) override;
     /// Runs "userdel <user>"; the command line is overwritten with zero bytes
     /// before it is freed. A null name gives 500 and runs nothing.
@@ -41,13 +48,21 @@ public:
     void SetPassword(const char* userName, const char* newPassword, _Result& result) override;
 
 protected:
-    /// The hash handed to useradd: crypt(password, password), so the C
+    /// The hash handed to useradd, made in \p work with crypt_r(password,
+    /// password): the same text crypt(password, password) gives, so the C
     /// library's traditional DES scheme takes the first two characters of
-    /// the password as the salt. Null when crypt gives null.
-    virtual const char* HashPassword(const char* password);
+    /// the password as the salt. Null when crypt_r gives null. The hash
+    /// lives in \p work, which belongs to this call alone: no other thread
+    /// can overwrite it, as one could crypt's static buffer.
+    virtual const char* HashPassword(const char* password, struct crypt_data& work);
+    /// Frees the work area of HashPassword (\p size bytes), already
+    /// overwritten with zero bytes.
+    virtual void ReleaseHashWorkArea(struct crypt_data* work, std::size_t size);
     /// Frees a command line of Add or Delete, already overwritten with zero
     /// bytes.
     virtual void ReleaseCommandLine(char* commandLine);
+    /// Runs a command line of Add or Delete: AccountTool::Run.
+    virtual _Result RunCommandLine(const char* commandLine);
 
 private:
     /// Runs a line from AccountTool::Format (null gives 500), then wipes it

@@ -14,11 +14,16 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <mutex>
+#include <set>
 #include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -48,11 +53,21 @@ public:
     bool nullHash = false;
     std::size_t commandLineLength = 0;         ///< bytes that must be zero when released
     std::vector<bool> releasedZeroed;
+    std::vector<bool> workAreasReleasedZeroed; ///< one per released hash work area
 
 protected:
-    const char* HashPassword(const char* password) override
+    const char* HashPassword(const char* password, struct crypt_data& work) override
     {
-        return nullHash ? nullptr : User::HashPassword(password);
+        const char* hash = User::HashPassword(password, work);
+        return nullHash ? nullptr : hash;
+    }
+
+    void ReleaseHashWorkArea(struct crypt_data* work, std::size_t size) override
+    {
+        const unsigned char* bytes = reinterpret_cast<const unsigned char*>(work);
+        workAreasReleasedZeroed.push_back(
+            std::all_of(bytes, bytes + size, [](unsigned char byte) { return byte == 0; }));
+        User::ReleaseHashWorkArea(work, size);
     }
 
     void ReleaseCommandLine(char* commandLine) override
@@ -64,6 +79,40 @@ protected:
         User::ReleaseCommandLine(commandLine);
     }
 };
+
+// A User that records its command lines instead of running them, from any
+// number of threads at once.
+class RecordingUser : public User
+{
+public:
+    std::vector<std::string> Lines()
+    {
+        std::lock_guard<std::mutex> hold(mutex);
+        return lines;
+    }
+
+protected:
+    _Result RunCommandLine(const char* commandLine) override
+    {
+        std::lock_guard<std::mutex> hold(mutex);
+        lines.push_back(commandLine);
+        return ResultPass;
+    }
+
+private:
+    std::mutex mutex;
+    std::vector<std::string> lines;
+};
+
+// Add calls per thread for the two-thread test: 20 000 on the host; fewer
+// under qemu-arm, where each hash costs many times more.
+int AddCallsPerThread()
+{
+    if (!RunningUnderEmulation())
+        return 20000;
+    std::printf("two-thread Add test: 5000 calls per thread under qemu-arm instead of 20000\n");
+    return 5000;
+}
 
 // Runs the shell tools of each test in an empty working directory, so that a
 // hash like "*0" (a glob for the shell) cannot match a file by chance.
@@ -142,6 +191,7 @@ TEST_F(UserTest, AddGivesFailAndRunsNothingWhenCryptGivesNull)
     EXPECT_EQ(result, ResultFail);
     EXPECT_TRUE(tools.Calls().empty());
     EXPECT_TRUE(observed->releasedZeroed.empty());
+    EXPECT_EQ(observed->workAreasReleasedZeroed, std::vector<bool>{true}) << "wiped all the same";
 }
 
 TEST_F(UserTest, AddOverwritesTheCommandLineWithZerosBeforeFreeingIt)
@@ -155,6 +205,86 @@ TEST_F(UserTest, AddOverwritesTheCommandLineWithZerosBeforeFreeingIt)
     user->Add("alice", "Secret12", result);
     EXPECT_EQ(tools.Calls(), Names{line});
     EXPECT_EQ(observed->releasedZeroed, std::vector<bool>{true});
+}
+
+TEST(UserThreadTest, EveryUseraddLineCarriesTheHashOfItsOwnPasswordWhenTwoThreadsAdd)
+{
+    // Each thread adds users with passwords of its own salt ("Ab..." and
+    // "Cd..."), so a line that carries a hash made for the other thread shows
+    // a foreign salt as well as a wrong hash.
+    const int callsPerThread = AddCallsPerThread();
+    const int threadCount = 2;
+    const int passwordsPerThread = 100;
+    const char* const salts[threadCount] = {"Ab", "Cd"};
+    std::vector<std::vector<std::string>> passwords(threadCount);
+    std::vector<std::vector<std::string>> hashes(threadCount);
+    for (int thread = 0; thread < threadCount; ++thread) {
+        for (int index = 0; index < passwordsPerThread; ++index) {
+            std::string password = salts[thread] + std::to_string(100000 + index);
+            hashes[thread].push_back(SystemCrypt(password.c_str(), password.c_str()));
+            passwords[thread].push_back(password);
+        }
+    }
+
+    RecordingUser* recording = new RecordingUser;
+    SmartPtr<IUser> user(recording);
+    std::vector<std::thread> threads;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        threads.emplace_back([&, thread] {
+            for (int call = 0; call < callsPerThread; ++call) {
+                std::string name = "u" + std::to_string(thread) + "_" + std::to_string(call);
+                _Result result = ResultFail;
+                user->Add(name.c_str(), passwords[thread][call % passwordsPerThread].c_str(), result);
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+
+    std::set<std::string> expected;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        for (int call = 0; call < callsPerThread; ++call)
+            expected.insert("useradd u" + std::to_string(thread) + "_" + std::to_string(call) + " -p " +
+                            hashes[thread][call % passwordsPerThread]);
+    }
+    std::vector<std::string> lines = recording->Lines();
+    EXPECT_EQ(lines.size(), static_cast<std::size_t>(threadCount * callsPerThread));
+    std::size_t foreign = 0;
+    std::string firstForeign;
+    for (const std::string& line : lines) {
+        if (expected.count(line) == 0 && foreign++ == 0)
+            firstForeign = line;
+    }
+    EXPECT_EQ(foreign, 0u) << "of " << lines.size() << " lines, for example: " << firstForeign;
+}
+
+TEST_F(UserTest, AddOverwritesTheHashWorkAreaWithZerosBeforeFreeingIt)
+{
+    tools.Install("useradd", 0);
+    ObservedUser* observed = new ObservedUser;
+    SmartPtr<IUser> user(observed);
+    _Result result = ResultFail;
+    user->Add("alice", "Secret12", result);
+    EXPECT_EQ(result, ResultPass);
+    EXPECT_EQ(observed->workAreasReleasedZeroed, std::vector<bool>{true});
+}
+
+TEST(UserHashTest, AddGivesUseraddWhatCryptGivesForEveryKindOfPassword)
+{
+    // Usable salts, a one-character and an empty password (the failure token),
+    // a salt character outside [./0-9A-Za-z], and more than eight characters
+    // (only eight count).
+    const char* const passwords[] = {"Secret12", "./slash", "Zz", "x", "", "!nosalt", "longer than eight"};
+    RecordingUser* recording = new RecordingUser;
+    SmartPtr<IUser> user(recording);
+    Names expected;
+    for (const char* password : passwords) {
+        _Result result = ResultFail;
+        user->Add("alice", password, result);
+        EXPECT_EQ(result, ResultPass) << password;
+        expected.push_back("useradd alice -p " + SystemCrypt(password, password));
+    }
+    EXPECT_EQ(recording->Lines(), expected);
 }
 
 TEST_F(UserTest, DeleteRunsUserdel)
