@@ -51,7 +51,8 @@ public:
     virtual IUser* CreateUser() = 0;
     virtual IUserGroup* CreateUserGroup() = 0;
     virtual ILogManager* CreateLogManager() = 0;
-    /// Atomically adds 1 to \p value; returns the new value.
+    /// Atomically adds 1 to \p value; returns the new value. A null \p value
+    /// reference is fatal, here and in AtomicDecrement.
     virtual std::int32_t AtomicIncrement(std::int32_t& value) = 0;
     /// Atomically subtracts 1 from \p value; returns the new value.
     virtual std::int32_t AtomicDecrement(std::int32_t& value) = 0;

@@ -3,6 +3,7 @@
 
 #include "ClockGetTimeClock.h"
 #include "DirectoryManager.h"
+#include "FatalError.h"
 #include "FileManager.h"
 #include "LinuxSystemClock.h"
 #include "LogManager.h"
@@ -106,6 +107,8 @@ ILogManager* LinuxPlatform::CreateLogManager()
 
 void LinuxPlatform::FillPriorityLadder(PosixThreadPriorityMap& map)
 {
+    if (IsNullReference(&map))
+        FatalError(L"LinuxPlatform: map NULL reference.");
     // The order and the values are the platform's fixed ladder.
     map.Add(15, 0);
     map.Add(12, 0);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Object.h"
 
+#include "FatalError.h"
 #include "ReferenceCounter.h"
 
 namespace KivPlr {
@@ -32,6 +33,8 @@ std::uint32_t Object::GetReferenceCount()
 
 bool Object::QueryInterface(const Uuid* interfaceId, void** object, _Result& result)
 {
+    if (IsNullReference(&result))
+        FatalError(L"Object: result NULL reference.");
     result = ResultNotSupported;
     return QueryInterfaceImpl(interfaceId, object, result);
 }
@@ -43,6 +46,8 @@ ReferenceCounter* Object::GetReferenceCounter()
 
 bool Object::QueryInterfaceImpl(const Uuid*, void**, _Result& result)
 {
+    if (IsNullReference(&result))
+        FatalError(L"Object: result NULL reference.");
     result = ResultNotSupported;
     return false;
 }

@@ -32,7 +32,8 @@ public:
     /// destroys nothing.
     std::uint32_t Release() override;
     std::uint32_t GetReferenceCount() override;
-    /// Sets \p result to 501 and hands over to QueryInterfaceImpl.
+    /// Sets \p result to 501 and hands over to QueryInterfaceImpl. A null
+    /// \p result reference is fatal, here and in QueryInterfaceImpl.
     bool QueryInterface(const Uuid* interfaceId, void** object, _Result& result) override;
     ReferenceCounter* GetReferenceCounter() override;
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Path.h"
 
+#include "FatalError.h"
+
 namespace KivPlr {
 
 namespace {
@@ -105,12 +107,16 @@ std::uint32_t Path::GetStyle() const
 
 void Path::GetFile(std::string& file) const
 {
+    if (IsNullReference(&file))
+        FatalError(L"Path: file NULL reference.");
     const std::string::size_type last = path.find_last_of(Separators);
     file = last == std::string::npos ? path : path.substr(last + 1);
 }
 
 void Path::GetDirectory(std::string& directory) const
 {
+    if (IsNullReference(&directory))
+        FatalError(L"Path: directory NULL reference.");
     const std::string::size_type last = path.find_last_of(Separators);
     directory = last == std::string::npos ? path : path.substr(0, last);
 }

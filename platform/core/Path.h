@@ -55,7 +55,8 @@ public:
     /// The separator style: SlashStyle, or anything else for backslash.
     std::uint32_t GetStyle() const;
     /// \p file = the part after the last "/" or "\"; the whole text without
-    /// a separator; empty when the text ends with a separator.
+    /// a separator; empty when the text ends with a separator. A null
+    /// \p file reference is fatal, as is a null \p directory below.
     void GetFile(std::string& file) const;
     /// \p directory = the part before the last "/" or "\", without that
     /// separator; the whole text without a separator; empty for "/name".

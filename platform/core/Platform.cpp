@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Platform.h"
 
+#include "FatalError.h"
 #include "SmartPtr.h"
 
 namespace KivPlr {
@@ -12,6 +13,8 @@ SmartPtr<IPlatform> installedInstance;
 
 std::int32_t AtomicAdd(std::int32_t& value, std::int32_t delta)
 {
+    if (IsNullReference(&value))
+        FatalError(L"Platform: value NULL reference.");
     std::int32_t seen = __atomic_load_n(&value, __ATOMIC_RELAXED);
     std::int32_t wanted;
     do {

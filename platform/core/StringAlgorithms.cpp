@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "StringAlgorithms.h"
 
+#include "FatalError.h"
+
 #include <cctype>
 #include <cwctype>
 #include <locale>
@@ -22,9 +24,18 @@ int DigitValue(char character)
     return -1;
 }
 
+// Every operation here writes through its one reference parameter.
+template <typename Written>
+void CheckReference(Written& written, const wchar_t* message)
+{
+    if (IsNullReference(&written))
+        FatalError(message);
+}
+
 template <typename Character>
 void TrimWithFacet(std::basic_string<Character>& text)
 {
+    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     const std::ctype<Character>& facet = std::use_facet<std::ctype<Character>>(std::locale());
     typename std::basic_string<Character>::size_type end = text.size();
     while (end > 0 && facet.is(std::ctype_base::space, text[end - 1]))
@@ -40,6 +51,7 @@ void TrimWithFacet(std::basic_string<Character>& text)
 
 void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes)
 {
+    CheckReference(bytes, L"StringAlgorithms: bytes NULL reference.");
     bytes.assign(hex.size() / 2 + hex.size() % 2, 0);
     std::string::size_type digitIndex = 0;
     for (char character : hex) {
@@ -55,6 +67,7 @@ void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes)
 void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex)
 {
     static const char digits[] = "0123456789abcdef";
+    CheckReference(hex, L"StringAlgorithms: hex NULL reference.");
     hex.clear();
     hex.reserve(bytes.size() * 2);
     for (unsigned char byte : bytes) {
@@ -65,24 +78,28 @@ void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex)
 
 void ToUpper(std::string& text)
 {
+    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     for (char& character : text)
         character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
 }
 
 void ToLower(std::string& text)
 {
+    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     for (char& character : text)
         character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
 }
 
 void ToUpper(std::wstring& text)
 {
+    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     for (wchar_t& character : text)
         character = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(character)));
 }
 
 void ToLower(std::wstring& text)
 {
+    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     for (wchar_t& character : text)
         character = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
 }

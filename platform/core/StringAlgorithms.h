@@ -4,6 +4,8 @@
 // conversion and trimming.
 //
 // Free functions without state; any thread may call them on strings it owns.
+// A null reference for the string or vector they write ends the process
+// through FatalError.
 //
 //   std::vector<unsigned char> bytes;
 //   StringAlgorithms::ToPackedU8("DEAD", bytes);   // {0xDE, 0xAD}

@@ -2,8 +2,10 @@
 #include "ClockGetTimeClock.h"
 #include "DirectoryManager.h"
 #include "FakeTimeOffsetCalculator.h"
+#include "FatalMessage.h"
 #include "FileManager.h"
 #include "LogManager.h"
+#include "NullReference.h"
 #include "ISemaphore.h"
 #include "ISharedLock.h"
 #include "IThread.h"
@@ -233,6 +235,13 @@ TEST(LinuxPlatformLadderTest, FillsTheLadderInItsFixedOrderAllMappedToZero)
     LinuxPlatform::FillPriorityLadder(*map);
     EXPECT_EQ(map->added, (std::vector<std::pair<std::int32_t, std::int32_t>>{
                               {15, 0}, {12, 0}, {10, 0}, {8, 0}, {6, 0}, {4, 0}, {1, 0}}));
+}
+
+TEST(LinuxPlatformLadderTest, ANullMapReferenceIsFatal)
+{
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<PosixThreadPriorityMap>(
+                             [](PosixThreadPriorityMap& none) { LinuxPlatform::FillPriorityLadder(none); }),
+                         L"LinuxPlatform: map NULL reference.");
 }
 
 TEST_F(LinuxPlatformTest, ThreadsGetTheLadderAndNothingElse)

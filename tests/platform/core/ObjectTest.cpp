@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "Object.h"
 #include "ReferenceCounter.h"
 #include "SmartPtr.h"
@@ -84,6 +86,18 @@ TEST(ObjectTest, QueryInterfaceAnswersNotSupported)
     EXPECT_FALSE(probe->QueryInterface(nullptr, &view, result));
     EXPECT_EQ(result, ResultNotSupported);
     EXPECT_EQ(view, nullptr);
+}
+
+TEST(ObjectTest, QueryInterfaceWithANullResultReferenceIsFatal)
+{
+    SmartPtr<Probe> probe(new Probe);
+    void* view = nullptr;
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>(
+                             [&](_Result& none) { probe->QueryInterface(nullptr, &view, none); }),
+                         L"Object: result NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>(
+                             [&](_Result& none) { probe->QueryInterfaceImpl(nullptr, &view, none); }),
+                         L"Object: result NULL reference.");
 }
 
 TEST(ObjectTest, CounterBlockOutlivesObjectWhileHeld)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "Path.h"
 
 #include <gtest/gtest.h>
@@ -491,4 +493,14 @@ TEST(PathTest, MakeAbsoluteOfBackslashParentUsesBackslashSeparator)
 {
     // "../x" becomes "..\x" in backslash style; it climbs, then joins with "\".
     EXPECT_EQ(Absolute(BackslashPath("../x"), "/a/b"), "/a\\x");
+}
+
+TEST(PathTest, ANullFileOrDirectoryReferenceIsFatal)
+{
+    const Path path("/var/lib/discovery");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::string>([&](std::string& none) { path.GetFile(none); }),
+                         L"Path: file NULL reference.");
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<std::string>([&](std::string& none) { path.GetDirectory(none); }),
+        L"Path: directory NULL reference.");
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ChildProcess.h"
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "Platform.h"
 #include "SmartPtr.h"
 
@@ -153,6 +155,17 @@ TEST(PlatformCounterTest, AtomicDecrementOnZeroGivesMinusOne)
     std::int32_t value = 0;
     EXPECT_EQ(platform->AtomicDecrement(value), -1);
     EXPECT_EQ(value, -1);
+}
+
+TEST(PlatformCounterTest, ANullCounterReferenceIsFatal)
+{
+    SmartPtr<IPlatform> platform(new EmptyPlatform);
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::int32_t>(
+                             [&](std::int32_t& none) { platform->AtomicIncrement(none); }),
+                         L"Platform: value NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::int32_t>(
+                             [&](std::int32_t& none) { platform->AtomicDecrement(none); }),
+                         L"Platform: value NULL reference.");
 }
 
 TEST(PlatformCounterTest, CountersWrapAtTheLimits)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "StringAlgorithms.h"
 
 #include <gtest/gtest.h>
@@ -266,4 +268,35 @@ TEST(StringAlgorithmsTest, WideTrimFollowsTheGlobalLocale)
         StringAlgorithms::Trim(text);
     }
     EXPECT_EQ(text, L"a*b");
+}
+
+TEST(StringAlgorithmsTest, ANullBytesReferenceIsFatal)
+{
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Bytes>(
+                             [](Bytes& none) { StringAlgorithms::ToPackedU8("dead", none); }),
+                         L"StringAlgorithms: bytes NULL reference.");
+}
+
+TEST(StringAlgorithmsTest, ANullHexReferenceIsFatal)
+{
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::string>(
+                             [](std::string& none) { StringAlgorithms::FromPackedU8(Bytes{0xDE}, none); }),
+                         L"StringAlgorithms: hex NULL reference.");
+}
+
+TEST(StringAlgorithmsTest, ANullTextReferenceIsFatalForCaseConversionAndTrim)
+{
+    const wchar_t* const message = L"StringAlgorithms: text NULL reference.";
+    typedef void (*Narrow)(std::string&);
+    typedef void (*Wide)(std::wstring&);
+    for (Narrow change : {static_cast<Narrow>(&StringAlgorithms::ToUpper),
+                          static_cast<Narrow>(&StringAlgorithms::ToLower),
+                          static_cast<Narrow>(&StringAlgorithms::Trim)})
+        EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::string>([&](std::string& none) { change(none); }),
+                             message);
+    for (Wide change : {static_cast<Wide>(&StringAlgorithms::ToUpper),
+                        static_cast<Wide>(&StringAlgorithms::ToLower),
+                        static_cast<Wide>(&StringAlgorithms::Trim)})
+        EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::wstring>([&](std::wstring& none) { change(none); }),
+                             message);
 }
