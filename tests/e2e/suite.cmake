@@ -1,11 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
-# The end-to-end test of the real discoveryd binary: a private mount
-# namespace, faketime, and a recording stand-in for the status collector.
+# The end-to-end tests of the real discoveryd binary: a private mount
+# namespace, faketime, and a recording stand-in for the status collector; and
+# one cycle with the reference collector in a private network namespace.
 # Built once the daemon is part of the tree.
 
 if(TARGET discoveryd)
-    kiv_add_test_suite(discoveryd_e2e_tests e2e)
-    add_dependencies(discoveryd_e2e_tests discoveryd)
+    kiv_add_test_suite(discoveryd_e2e_tests e2e LIBRARIES kivdiscoveryclient)
+    add_dependencies(discoveryd_e2e_tests discoveryd statuscollector)
     target_compile_definitions(discoveryd_e2e_tests PRIVATE
-        KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>")
+        KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>"
+        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>")
 endif()

@@ -29,7 +29,7 @@ struct CollectedStatus
     static constexpr std::uint32_t DisconnectedKind = 1;
 
     /// One network interface. An item the interface does not have stays
-    /// empty and is left out of the snapshot.
+    /// unset; the snapshot shows it as an empty element.
     struct NetworkDevice
     {
         std::uint32_t number = 0; ///< the kernel's interface index

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -18,6 +19,24 @@ namespace KivCollector {
 namespace {
 
 const mode_t kSnapshotMode = 0644;
+
+/// What a file of \p mode is, with its article, for a message.
+const char* KindOfFile(mode_t mode)
+{
+    if (S_ISDIR(mode))
+        return "a directory";
+    if (S_ISLNK(mode))
+        return "a symbolic link";
+    if (S_ISFIFO(mode))
+        return "a named pipe";
+    if (S_ISSOCK(mode))
+        return "a socket";
+    if (S_ISCHR(mode))
+        return "a character device";
+    if (S_ISBLK(mode))
+        return "a block device";
+    return "something other than a file";
+}
 
 } // namespace
 
@@ -51,6 +70,15 @@ bool StatusCollector::Collect(CollectedStatus& status, std::vector<std::string>&
     return true;
 }
 
+bool StatusCollector::CheckOutputPath(const std::string& file, std::string& fault)
+{
+    struct stat information;
+    if (::lstat(file.c_str(), &information) != 0 || S_ISREG(information.st_mode))
+        return true;
+    fault = file + " is " + KindOfFile(information.st_mode) + ", not a regular file: not replaced, left as it is";
+    return false;
+}
+
 bool StatusCollector::Publish(const std::string& text, const std::string& file, std::string& fault)
 {
     std::string::size_type slash = file.rfind('/');
@@ -60,6 +88,8 @@ bool StatusCollector::Publish(const std::string& text, const std::string& file, 
         fault = file + ": not a file name";
         return false;
     }
+    if (!CheckOutputPath(file, fault))
+        return false;
     int previousDirectory = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (previousDirectory < 0) {
         fault = std::string("cannot open the working directory: ") + std::strerror(errno);

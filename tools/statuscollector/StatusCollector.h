@@ -38,11 +38,20 @@ public:
     /// not a failure; it adds a line to \p warnings.
     bool Collect(CollectedStatus& status, std::vector<std::string>& warnings, std::string& fault) const;
 
+    /// True when \p file is free or a regular file, which Publish may
+    /// replace. False with \p fault naming the path and what is there when it
+    /// is anything else (a directory, a symbolic link, a named pipe...): the
+    /// snapshot's directory may be writable by every local user, and what
+    /// someone else put there is not ours to replace. A path that cannot be
+    /// looked at passes; Publish then reports why it cannot write.
+    static bool CheckOutputPath(const std::string& file, std::string& fault);
+
     /// Replaces \p file by \p text through a temporary file in the same
     /// directory and a rename (mode 0644): a reader sees the old whole file
-    /// or the new whole file. On failure answers false with \p fault; the old
-    /// file is then unchanged and no temporary file is left. The working
-    /// directory is the same afterwards as before.
+    /// or the new whole file. Refuses, as CheckOutputPath, to replace
+    /// anything but a regular file. On failure answers false with \p fault;
+    /// what was at \p file is then unchanged and no temporary file is left.
+    /// The working directory is the same afterwards as before.
     static bool Publish(const std::string& text, const std::string& file, std::string& fault);
 
 private:

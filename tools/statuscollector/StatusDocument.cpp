@@ -50,10 +50,13 @@ void AddText(pugi::xml_node parent, const char* name, const std::string& text)
     parent.append_child(name).text().set(StatusDocument::XmlSafe(text).c_str());
 }
 
-void AddOptionalText(pugi::xml_node parent, const char* name, const std::optional<std::string>& text)
+/// An item the interface does not have becomes an empty element, never a
+/// missing one: the status library reads a missing element as a null text,
+/// and the publisher's network fragment stops at the first null text, so one
+/// interface without an address would hide every interface after it.
+void AddItem(pugi::xml_node parent, const char* name, const std::optional<std::string>& text)
 {
-    if (text)
-        AddText(parent, name, *text);
+    AddText(parent, name, text.value_or(std::string()));
 }
 
 } // namespace
@@ -90,11 +93,11 @@ std::string StatusDocument::Render(const CollectedStatus& status)
         pugi::xml_node node = devices.append_child("networkDevice");
         node.append_attribute("number") = static_cast<unsigned int>(device.number);
         AddText(node, "name", device.name);
-        AddOptionalText(node, "mac", device.mac);
-        AddOptionalText(node, "ipv4", device.ipv4);
-        AddOptionalText(node, "ipv6", device.ipv6);
-        AddOptionalText(node, "gateway", device.gateway);
-        AddOptionalText(node, "subnet", device.subnet);
+        AddItem(node, "mac", device.mac);
+        AddItem(node, "ipv4", device.ipv4);
+        AddItem(node, "ipv6", device.ipv6);
+        AddItem(node, "gateway", device.gateway);
+        AddItem(node, "subnet", device.subnet);
     }
 
     pugi::xml_node outputs = root.append_child("outputs");

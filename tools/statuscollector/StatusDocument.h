@@ -22,10 +22,12 @@ class StatusDocument
 public:
     /// The whole document, indented by two spaces, ending in a line feed.
     /// Always has the elements modelCode, networkDevices and outputs (the
-    /// lists possibly empty); a device item that is empty is left out. Text
-    /// that XML cannot carry (bytes that are not UTF-8, control characters
-    /// other than tab, line feed and carriage return) is written as "?" so
-    /// that one odd interface name cannot make the whole snapshot unloadable.
+    /// lists possibly empty). A device item the interface does not have is an
+    /// empty element, which the status library reads as an empty text, never
+    /// a missing one. Text that XML cannot carry (bytes that are not UTF-8,
+    /// control characters other than tab, line feed and carriage return) is
+    /// written as "?" so that one odd interface name cannot make the whole
+    /// snapshot unloadable.
     static std::string Render(const CollectedStatus& status);
 
     /// \p text with every byte sequence that XML 1.0 cannot carry replaced

@@ -2,7 +2,8 @@
 // The reference status collector: writes the status snapshot of the machine
 // it runs on (see docs/operations.md). Exit status 0 when the snapshot was
 // written, 1 when it could not be collected or written (the previous one then
-// stays), 2 for a command line it does not understand.
+// stays) or when something other than a regular file is at its path (that is
+// left alone), 2 for a command line it does not understand.
 
 #include "CollectorOptions.h"
 #include "StatusCollector.h"
@@ -39,6 +40,12 @@ int main(int argc, char** argv)
     CollectedStatus status;
     std::vector<std::string> warnings;
     std::string fault;
+    // Checked first and reported without "the previous snapshot stays": what
+    // occupies the path is not a snapshot, and it is left as it is.
+    if (!StatusCollector::CheckOutputPath(options.OutputFile(), fault)) {
+        Say(options, fault);
+        return 1;
+    }
     bool collected = StatusCollector().Collect(status, warnings, fault);
     for (const std::string& warning : warnings)
         Say(options, warning);

@@ -12,6 +12,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <sys/stat.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -114,6 +115,9 @@ TEST(StatusCollectorProgramTest, WritesTheNetworkThatIpReportsForThisMachine)
     ASSERT_EQ(outcome.exitStatus, 0) << Describe(outcome);
     VpSts::CStatus status;
     Load(file, status);
+    // Loaded, no item is null ("-"): what an interface lacks is an empty text.
+    for (std::string& line : expected)
+        line = KivTest::AbsentItemsEmpty(line);
     EXPECT_EQ(DeviceLines(status), expected);
     EXPECT_EQ(status.modelCode, 4294967295u);
 }
@@ -267,4 +271,51 @@ TEST(StatusCollectorProgramTest, ConnectorsBecomeOutputsNumberedInNameOrder)
     Load(file, status);
     // card0-DP-1 sorts before card0-HDMI-A-1.
     EXPECT_EQ(OutputLines(status), (std::vector<std::string>{"1:1:1:1", "2:0:1:1"}));
+}
+
+TEST(StatusCollectorProgramTest, SomethingOtherThanAFileAtTheOutputPathIsNamedRefusedAndLeftAlone)
+{
+    TemporaryDirectory directory;
+    std::string file = directory.Path() + "/status.xml";
+    std::string elsewhere = directory.Path() + "/elsewhere";
+    ASSERT_TRUE(KivTest::WriteFile(elsewhere, "someone else's"));
+    struct Obstacle
+    {
+        const char* what;
+        std::function<bool()> make;
+    };
+    const std::vector<Obstacle> obstacles = {
+        {"a directory", [&] { return mkdir(file.c_str(), 0755) == 0 && KivTest::WriteFile(file + "/inside", "kept"); }},
+        {"a symbolic link", [&] { return symlink(elsewhere.c_str(), file.c_str()) == 0; }},
+        {"a named pipe", [&] { return mkfifo(file.c_str(), 0644) == 0; }},
+    };
+    for (const Obstacle& obstacle : obstacles) {
+        ASSERT_TRUE(obstacle.make()) << obstacle.what;
+        struct stat before;
+        ASSERT_EQ(lstat(file.c_str(), &before), 0);
+        ChildOutcome outcome = KivTest::RunShellCommand(Collector("-output " + ShellQuote(file)));
+        EXPECT_EQ(outcome.exitStatus, 1) << obstacle.what << ": " << Describe(outcome);
+        EXPECT_EQ(outcome.standardOutput, "");
+        EXPECT_EQ(outcome.standardError, "statuscollector: " + file + " is " + obstacle.what +
+                                             ", not a regular file: not replaced, left as it is\n");
+        ChildOutcome quiet = KivTest::RunShellCommand(Collector("-nolog -output " + ShellQuote(file)));
+        EXPECT_EQ(quiet.exitStatus, 1) << obstacle.what << ": " << Describe(quiet);
+        EXPECT_EQ(quiet.standardError, "") << obstacle.what;
+
+        struct stat after;
+        ASSERT_EQ(lstat(file.c_str(), &after), 0) << obstacle.what << " is gone";
+        EXPECT_EQ(after.st_ino, before.st_ino) << obstacle.what << " was replaced";
+        EXPECT_EQ((after.st_mode & S_IFMT), (before.st_mode & S_IFMT)) << obstacle.what;
+        EXPECT_EQ(KivTest::ReadFile(elsewhere), "someone else's") << obstacle.what;
+        std::vector<std::string> expected = {"elsewhere", "status.xml"};
+        EXPECT_EQ(KivTest::ListDirectory(directory.Path()), expected) << obstacle.what;
+        if (S_ISDIR(after.st_mode)) {
+            EXPECT_EQ(KivTest::ListDirectory(file), std::vector<std::string>{"inside"});
+            EXPECT_EQ(KivTest::ReadFile(file + "/inside"), "kept");
+            ASSERT_EQ(unlink((file + "/inside").c_str()), 0);
+            ASSERT_EQ(rmdir(file.c_str()), 0);
+        } else {
+            ASSERT_EQ(unlink(file.c_str()), 0);
+        }
+    }
 }

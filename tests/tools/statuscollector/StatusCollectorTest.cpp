@@ -101,6 +101,34 @@ TEST(StatusCollectorPublishTest, APathWithoutAFileNameFails)
     EXPECT_TRUE(KivTest::ListDirectory(directory.Path()).empty());
 }
 
+TEST(StatusCollectorPublishTest, ADirectoryAtThePathIsRefusedByNameAndLeftAsItIs)
+{
+    TemporaryDirectory directory;
+    std::string file = directory.Path() + "/status.xml";
+    ASSERT_EQ(mkdir(file.c_str(), 0755), 0);
+    ASSERT_TRUE(WriteFile(file + "/inside", "kept"));
+    std::string fault;
+    EXPECT_FALSE(StatusCollector::CheckOutputPath(file, fault));
+    EXPECT_EQ(fault, file + " is a directory, not a regular file: not replaced, left as it is");
+    fault.clear();
+    EXPECT_FALSE(StatusCollector::Publish("text", file, fault));
+    EXPECT_EQ(fault, file + " is a directory, not a regular file: not replaced, left as it is");
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), std::vector<std::string>{"status.xml"});
+    EXPECT_EQ(KivTest::ListDirectory(file), std::vector<std::string>{"inside"});
+    EXPECT_EQ(ReadFile(file + "/inside"), "kept");
+}
+
+TEST(StatusCollectorPublishTest, AFreePathOrARegularFilePassesTheCheck)
+{
+    TemporaryDirectory directory;
+    std::string file = directory.Path() + "/status.xml";
+    std::string fault;
+    EXPECT_TRUE(StatusCollector::CheckOutputPath(file, fault)) << fault;
+    ASSERT_TRUE(WriteFile(file, "earlier"));
+    EXPECT_TRUE(StatusCollector::CheckOutputPath(file, fault)) << fault;
+    EXPECT_EQ(fault, "");
+}
+
 TEST(StatusCollectorPublishTest, KeepsTheWorkingDirectoryAndResolvesRelativePathsAgainstIt)
 {
     TemporaryDirectory directory;

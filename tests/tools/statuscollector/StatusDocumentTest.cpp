@@ -27,6 +27,47 @@ std::string Nullable(const char* text)
     return text != nullptr ? std::string("\"") + text + "\"" : "null";
 }
 
+/// An interface with every item: number 2, eth0.
+CollectedStatus::NetworkDevice FullDevice()
+{
+    CollectedStatus::NetworkDevice full;
+    full.number = 2;
+    full.name = "eth0";
+    full.mac = "00:11:22:33:44:55";
+    full.ipv4 = "192.0.2.10";
+    full.ipv6 = "2001:db8::10";
+    full.gateway = "192.0.2.1";
+    full.subnet = "255.255.255.0";
+    return full;
+}
+
+const char kFullDeviceText[] =
+    "2 \"eth0\" \"00:11:22:33:44:55\" \"192.0.2.10\" \"2001:db8::10\" \"192.0.2.1\" \"255.255.255.0\"";
+
+/// An interface with a name and nothing else: number 7, ifb0.
+CollectedStatus::NetworkDevice BareDevice()
+{
+    CollectedStatus::NetworkDevice bare;
+    bare.number = 7;
+    bare.name = "ifb0";
+    return bare;
+}
+
+const char kBareDeviceText[] = "7 \"ifb0\" \"\" \"\" \"\" \"\" \"\"";
+
+/// A loaded device as "number name mac ipv4 ipv6 gateway subnet", each text
+/// quoted or "null"; "none" past the end of the list.
+std::string DeviceText(const VpSts::CNetworkDevice* device)
+{
+    if (device == nullptr)
+        return "none";
+    std::string text = std::to_string(device->deviceNumber);
+    for (const char* item : {device->name, device->macAddress, device->ipv4Address, device->ipv6Address,
+                             device->gateway, device->subnet})
+        text += " " + Nullable(item);
+    return text;
+}
+
 } // namespace
 
 TEST(StatusDocumentTest, AnEmptyStatusHasTheUnknownModelAndEmptyLists)
@@ -43,42 +84,15 @@ TEST(StatusDocumentTest, TheSnapshotLoadsBackThroughTheStatusLibrary)
 {
     CollectedStatus collected;
     collected.modelCode = 3;
-    CollectedStatus::NetworkDevice full;
-    full.number = 2;
-    full.name = "eth0";
-    full.mac = "00:11:22:33:44:55";
-    full.ipv4 = "192.0.2.10";
-    full.ipv6 = "2001:db8::10";
-    full.gateway = "192.0.2.1";
-    full.subnet = "255.255.255.0";
-    CollectedStatus::NetworkDevice bare;
-    bare.number = 7;
-    bare.name = "ifb0";
-    collected.networkDevices = {full, bare};
+    collected.networkDevices = {FullDevice(), BareDevice()};
     collected.outputs = {{1, CollectedStatus::DisconnectedKind, 1, 1}, {2, CollectedStatus::ConnectedKind, 1, 1}};
 
     VpSts::CStatus status;
     ASSERT_TRUE(LoadThroughStatusLibrary(StatusDocument::Render(collected), status));
     EXPECT_EQ(status.modelCode, 3u);
-    const VpSts::CNetworkDevice* first = status.networkDeviceList[0u];
-    const VpSts::CNetworkDevice* second = status.networkDeviceList[1u];
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(second, nullptr);
-    EXPECT_EQ(status.networkDeviceList[2u], nullptr);
-    EXPECT_EQ(first->deviceNumber, 2u);
-    EXPECT_EQ(Nullable(first->name), "\"eth0\"");
-    EXPECT_EQ(Nullable(first->macAddress), "\"00:11:22:33:44:55\"");
-    EXPECT_EQ(Nullable(first->ipv4Address), "\"192.0.2.10\"");
-    EXPECT_EQ(Nullable(first->ipv6Address), "\"2001:db8::10\"");
-    EXPECT_EQ(Nullable(first->gateway), "\"192.0.2.1\"");
-    EXPECT_EQ(Nullable(first->subnet), "\"255.255.255.0\"");
-    EXPECT_EQ(second->deviceNumber, 7u);
-    EXPECT_EQ(Nullable(second->name), "\"ifb0\"");
-    EXPECT_EQ(Nullable(second->macAddress), "null");
-    EXPECT_EQ(Nullable(second->ipv4Address), "null");
-    EXPECT_EQ(Nullable(second->ipv6Address), "null");
-    EXPECT_EQ(Nullable(second->gateway), "null");
-    EXPECT_EQ(Nullable(second->subnet), "null");
+    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), kFullDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), kBareDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[2u]), "none");
 
     const VpSts::COutput* output1 = status.outputList[0u];
     const VpSts::COutput* output2 = status.outputList[1u];
@@ -117,4 +131,34 @@ TEST(StatusDocumentTest, XmlSafeReplacesWhatXmlCannotCarry)
     EXPECT_EQ(StatusDocument::XmlSafe("\xef\xbf\xbe"), "???");       // U+FFFE
     EXPECT_EQ(StatusDocument::XmlSafe("\xf4\x90\x80\x80"), "????");  // beyond U+10FFFF
     EXPECT_EQ(StatusDocument::XmlSafe(""), "");
+}
+
+TEST(StatusDocumentTest, ItemsAnInterfaceLacksAreEmptyElementsNotMissingOnes)
+{
+    CollectedStatus collected;
+    collected.networkDevices = {BareDevice()};
+    std::string text = StatusDocument::Render(collected);
+    std::string::size_type items = text.find("<networkDevice number=\"7\">");
+    ASSERT_NE(items, std::string::npos) << text;
+    for (const char* item : {"mac", "ipv4", "ipv6", "gateway", "subnet"}) {
+        // pugixml writes an empty text as an element with nothing inside.
+        std::string empty = std::string("<") + item + "></" + item + ">";
+        std::string::size_type found = text.find(empty, items);
+        EXPECT_NE(found, std::string::npos) << empty << " in\n" << text;
+        if (found != std::string::npos)
+            items = found;
+    }
+}
+
+TEST(StatusDocumentTest, AnInterfaceWithoutAddressesDoesNotHideTheInterfacesAfterIt)
+{
+    CollectedStatus collected;
+    collected.networkDevices = {BareDevice(), FullDevice()};
+    VpSts::CStatus status;
+    ASSERT_TRUE(LoadThroughStatusLibrary(StatusDocument::Render(collected), status));
+    // No null text anywhere: the publisher's network fragment runs through
+    // both interfaces.
+    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), kBareDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), kFullDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[2u]), "none");
 }

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: Apache-2.0
+// One real cycle of discoveryd with the reference status collector, in a
+// private mount and network namespace whose first interface has no address:
+// the published network metadata still lists every interface.
+//
+// The namespace child makes the interfaces with `ip` (an ifb device without
+// addresses first, then a veth pair, one end with IPv4, IPv6 and a default
+// route), covers /home, /var/lib, /dev/shm, /usr/local/sbin and
+// /sys/class/drm with tmpfs, installs the collector where the daemon runs it,
+// and stops the daemon once the first description is published.
+
+#include "ChildProcess.h"
+#include "DescriptionReader.h"
+#include "Emulation.h"
+#include "MountNamespace.h"
+#include "ShellCommand.h"
+#include "TemporaryDirectory.h"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sstream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using KivTest::MountNamespace;
+using KivTest::ReadFile;
+using KivTest::ShellQuote;
+
+namespace {
+
+const char kDescriptionFile[] = "/var/lib/discovery/Management.xml";
+/// Real time the first cycle may take before the test gives up on it.
+const int kCycleLimitSeconds = 120;
+/// Exit status of a namespace child that cannot build its network here.
+const int kCannotSetUp = 77;
+
+/// The interfaces of the namespace, in the order of their indexes.
+const char kMakeInterfaces[] = "set -e\n"
+                               "ip link add k0 address 02:00:00:00:00:01 type ifb\n"
+                               "ip link add v0 address 02:00:00:00:00:02 type veth peer name v1 address 02:00:00:00:00:03\n"
+                               "ip link set v0 addrgenmode none\n"
+                               "ip link set v1 addrgenmode none\n"
+                               "ip link set v0 up\n"
+                               "ip link set v1 up\n"
+                               "ip addr add 192.0.2.10/24 dev v0\n"
+                               "ip addr add 2001:db8::10/64 dev v0 nodad\n"
+                               "ip route add default via 192.0.2.1 dev v0\n";
+
+/// The network fragment that the publisher makes of the `ip_expectation.py`
+/// lines "number|name|mac|ipv4|ipv6|gateway|subnet" ("-" for an item an
+/// interface lacks, which the collector reports as an empty text).
+std::string NetworkFragment(const std::string& lines)
+{
+    std::string fragment = "<Network>";
+    std::istringstream text(lines);
+    std::string line;
+    while (std::getline(text, line)) {
+        std::vector<std::string> fields;
+        std::istringstream parts(line);
+        std::string field;
+        while (std::getline(parts, field, '|'))
+            fields.push_back(field == "-" ? "" : field);
+        fields.resize(7);
+        fragment += "<NetworkDevice number=\\\"" + fields[0] + "\\\"><Name>" + fields[1] + "</Name><MAC>" +
+                    fields[2] + "</MAC><IPv4>" + fields[3] + "</IPv4><IPv6>" + fields[4] + "</IPv6><Gateway>" +
+                    fields[5] + "</Gateway><Subnet>" + fields[6] + "</Subnet></NetworkDevice>";
+    }
+    return fragment + "</Network>";
+}
+
+/// The body of the namespace child: writes "expected" (what ip reports),
+/// "description" (the first published file), "stdout" and "stderr" of the
+/// daemon into \p work. Exits with kCannotSetUp, saying why, when this
+/// machine cannot make the namespaces or the interfaces.
+void RunOneCycle(const std::string& work)
+{
+    std::string fault;
+    if (!MountNamespace::Enter(fault) || unshare(CLONE_NEWNET) != 0 ||
+        std::system(("(" + std::string(kMakeInterfaces) + ") > /dev/null 2>&1").c_str()) != 0) {
+        std::printf("cannot make a network namespace with an ifb device and a veth pair here %s\n", fault.c_str());
+        std::fflush(stdout);
+        _exit(kCannotSetUp);
+    }
+    bool ready = true;
+    for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin", "/sys/class/drm"})
+        ready = ready && MountNamespace::MountTmpfs(covered, fault);
+    ready = ready && MountNamespace::MakeDirectories("/home/Kiv/.settings") &&
+            MountNamespace::MakeDirectories("/home/Kiv/settings/syscontrol/1.0/configuration") &&
+            symlink("/home/Kiv/settings", "/home/Kiv/.settings/kivotrel") == 0 &&
+            MountNamespace::MakeDirectories("/sys/class/drm/card0-HDMI-A-1") &&
+            KivTest::WriteFile("/sys/class/drm/card0-HDMI-A-1/status", "connected\n") &&
+            KivTest::WriteFile("/home/Kiv/settings/syscontrol/1.0/configuration/configuration.xml",
+                               "<configuration><services><service kind=\"0\" port=\"8080\"/></services>"
+                               "</configuration>");
+    std::string installCollector = "install -m 0755 " + ShellQuote(KIV_STATUSCOLLECTOR_PROGRAM) +
+                                   " /usr/local/sbin/statuscollector";
+    std::string expectation = "python3 " +
+                              ShellQuote(std::string(KIV_SOURCE_DIR) + "/tests/tools/statuscollector/ip_expectation.py") +
+                              " > " + ShellQuote(work + "/expected");
+    ready = ready && std::system(installCollector.c_str()) == 0 && std::system(expectation.c_str()) == 0;
+    if (!ready) {
+        std::printf("setup: %s\n", fault.c_str());
+        return;
+    }
+
+    pid_t daemon = fork();
+    if (daemon == 0) {
+        setpgid(0, 0);
+        int output = open((work + "/stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        int errors = open((work + "/stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        dup2(output, STDOUT_FILENO);
+        dup2(errors, STDERR_FILENO);
+        if (chdir("/") != 0)
+            _exit(126);
+        setenv("STATUSCOLLECTOR_MODEL_CODE", "3", 1);
+        execl(KIV_DISCOVERYD_PROGRAM, KIV_DISCOVERYD_PROGRAM, static_cast<char*>(nullptr));
+        _exit(127);
+    }
+    setpgid(daemon, daemon);
+    // The description is renamed into place whole, so once it exists it is complete.
+    struct stat information;
+    for (int tenth = 0; tenth < kCycleLimitSeconds * 10 && stat(kDescriptionFile, &information) != 0; ++tenth) {
+        if (waitpid(daemon, nullptr, WNOHANG) != 0)
+            break;
+        usleep(100000);
+    }
+    std::string description = ReadFile(kDescriptionFile);
+    kill(-daemon, SIGKILL);
+    waitpid(daemon, nullptr, 0);
+    KivTest::WriteFile(work + "/description", description);
+}
+
+} // namespace
+
+TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHideTheOnesAfterIt)
+{
+    if (KivTest::RunningUnderEmulation())
+        GTEST_SKIP() << "namespaces and ip are not available to a program under qemu-arm";
+    std::string reason;
+    if (!MountNamespace::Available(reason))
+        GTEST_SKIP() << reason;
+    KivTest::TemporaryDirectory work;
+    for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
+        ASSERT_NE(work.Path().rfind(covered, 0), 0u) << "the work directory would be hidden by the tmpfs on " << covered;
+
+    KivTest::ChildOutcome outcome = KivTest::RunInChild([&] { RunOneCycle(work.Path()); });
+    if (outcome.exited && outcome.exitStatus == kCannotSetUp)
+        GTEST_SKIP() << outcome.standardOutput;
+    ASSERT_EQ(outcome.standardOutput, "") << KivTest::Describe(outcome);
+    std::string file = work.Path() + "/description";
+    KivDiscoveryClient::DescriptionReader reader;
+    ASSERT_TRUE(reader.Load(file.c_str())) << reader.ErrorMessage() << "\ndaemon's stderr: "
+                                           << ReadFile(work.Path() + "/stderr");
+    const std::string metadata = reader.MetaData();
+
+    // The ifb device comes first and has a MAC but no address; the veth pair
+    // comes after it (in the order of the indexes the kernel gave), one end
+    // with addresses and the default route, the other without addresses.
+    const std::string bare = "<Name>k0</Name><MAC>02:00:00:00:00:01</MAC><IPv4></IPv4><IPv6></IPv6>"
+                             "<Gateway></Gateway><Subnet></Subnet></NetworkDevice>";
+    const std::string addressed = "<Name>v0</Name><MAC>02:00:00:00:00:02</MAC><IPv4>192.0.2.10</IPv4>"
+                                  "<IPv6>2001:db8::10</IPv6><Gateway>192.0.2.1</Gateway>"
+                                  "<Subnet>255.255.255.0</Subnet></NetworkDevice>";
+    const std::string peer = "<Name>v1</Name><MAC>02:00:00:00:00:03</MAC><IPv4></IPv4><IPv6></IPv6>"
+                             "<Gateway></Gateway><Subnet></Subnet></NetworkDevice>";
+    std::string::size_type bareAt = metadata.find(bare);
+    EXPECT_NE(bareAt, std::string::npos) << metadata;
+    EXPECT_NE(metadata.find(addressed, bareAt), std::string::npos) << metadata;
+    EXPECT_NE(metadata.find(peer), std::string::npos) << metadata;
+    EXPECT_NE(metadata.find(NetworkFragment(ReadFile(work.Path() + "/expected"))), std::string::npos)
+        << "expected every interface that ip reports:\n"
+        << NetworkFragment(ReadFile(work.Path() + "/expected")) << "\npublished:\n"
+        << metadata;
+    EXPECT_NE(metadata.find("</Network><Outputs><Output number=\\\"1\\\" i:type=\\\"Cablor6Type\\\">"
+                            "<TranslationTable><Rows>1</Rows><Columns>1</Columns></TranslationTable></Output>"
+                            "</Outputs></cpp:State>"),
+              std::string::npos)
+        << metadata;
+    EXPECT_EQ(reader.Port(), 8080);
+}
