@@ -24,6 +24,16 @@ constexpr std::size_t CurrentDirectoryBufferSizes[] = {256, 512, 1024};
 
 constexpr std::size_t ExecutablePathBufferSize = 4096;
 
+constexpr const wchar_t* NullResultMessage = L"DirectoryManager: result NULL reference.";
+
+// Ends the process, with \p message naming the argument, when the reference
+// parameter at \p address is bound to address 0.
+void RequireReference(const void* address, const wchar_t* message)
+{
+    if (IsNullReference(address))
+        FatalError(message);
+}
+
 // The answer of a Linux result converter made for this one call.
 void Convert(int nativeResult, _Result& result)
 {
@@ -100,19 +110,17 @@ LinuxDirectoryPosition* OpenEnumeration(SmartPtr<IDirectoryPosition>& position, 
 
 void DirectoryManager::Create(const Path& path, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    // A null result ends the process in the converter, after mkdir.
     Convert(mkdir(path.GetPath(), NewDirectoryMode), result);
 }
 
 void DirectoryManager::Remove(const Path& path, bool recursive, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
     if (!recursive) {
-        Convert(rmdir(path.GetPath()), result);
+        Convert(rmdir(path.GetPath()), result); // a null result ends it after rmdir
         return;
     }
+    RequireReference(&result, NullResultMessage);
     Path tree;
     if (!Absolute(path, tree)) {
         result = ResultFail;
@@ -123,8 +131,7 @@ void DirectoryManager::Remove(const Path& path, bool recursive, _Result& result)
 
 void DirectoryManager::Exists(const Path& path, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    RequireReference(&result, NullResultMessage);
     struct stat status;
     result = stat(path.GetPath(), &status) == 0 ? ResultPass : ResultFail;
 }
@@ -142,12 +149,8 @@ void DirectoryManager::GetFiles(const Path& path, std::vector<std::string>& name
 void DirectoryManager::List(const Path& path, bool wantDirectories, std::vector<std::string>& names,
                             _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&names)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&result, NullResultMessage);
+    RequireReference(&names, L"DirectoryManager: names NULL reference.");
     Path directory;
     if (!Absolute(path, directory)) {
         result = ResultFail; // whatever the vector already holds
@@ -183,12 +186,9 @@ void DirectoryManager::List(const Path& path, bool wantDirectories, std::vector<
 void DirectoryManager::FindFirst(const Path& path, SmartPtr<IDirectoryPosition>& position, std::string& name,
                                  _Result& result) const
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&position) || IsNullReference(&name)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&result, NullResultMessage);
+    RequireReference(&position, L"DirectoryManager: position NULL reference.");
+    RequireReference(&name, L"DirectoryManager: name NULL reference.");
     Path absolute;
     if (!Absolute(path, absolute)) {
         result = ResultFail;
@@ -216,12 +216,9 @@ void DirectoryManager::FindFirst(const Path& path, SmartPtr<IDirectoryPosition>&
 
 void DirectoryManager::FindNext(SmartPtr<IDirectoryPosition>& position, std::string& name, _Result& result) const
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&position) || IsNullReference(&name)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&result, NullResultMessage);
+    RequireReference(&position, L"DirectoryManager: position NULL reference.");
+    RequireReference(&name, L"DirectoryManager: name NULL reference.");
     LinuxDirectoryPosition* enumeration = OpenEnumeration(position, result);
     if (enumeration == nullptr)
         return;
@@ -236,12 +233,8 @@ void DirectoryManager::FindNext(SmartPtr<IDirectoryPosition>& position, std::str
 
 void DirectoryManager::FindRelease(SmartPtr<IDirectoryPosition>& position, _Result& result) const
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&position)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&result, NullResultMessage);
+    RequireReference(&position, L"DirectoryManager: position NULL reference.");
     LinuxDirectoryPosition* enumeration = OpenEnumeration(position, result);
     if (enumeration == nullptr)
         return;
@@ -259,25 +252,20 @@ void DirectoryManager::FindRelease(SmartPtr<IDirectoryPosition>& position, _Resu
 
 void DirectoryManager::IsDirectory(const Path& path, _Result& result) const
 {
-    if (IsNullReference(&result))
-        return;
     struct stat status;
     int answer = stat(path.GetPath(), &status);
     if (answer != 0) {
-        Convert(answer, result);
+        Convert(answer, result); // a null result ends it here
         return;
     }
+    RequireReference(&result, NullResultMessage);
     result = S_ISDIR(status.st_mode) ? ResultPass : ResultFail;
 }
 
 void DirectoryManager::GetCurrent(std::string& current, _Result& result) const
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&current)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&result, NullResultMessage);
+    RequireReference(&current, L"DirectoryManager: current NULL reference.");
     for (std::size_t size : CurrentDirectoryBufferSizes) {
         std::vector<char> buffer(size);
         if (getcwd(buffer.data(), buffer.size()) != nullptr) {
@@ -293,33 +281,28 @@ void DirectoryManager::GetCurrent(std::string& current, _Result& result) const
 
 void DirectoryManager::SetCurrent(const Path& path, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    // A null result ends the process in the converter, after chdir.
     Convert(chdir(path.GetPath()), result);
 }
 
 void DirectoryManager::GetExecutablePath(Path& path, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&path)) {
-        result = ResultFail;
-        return;
-    }
+    RequireReference(&path, L"DirectoryManager: path NULL reference.");
     std::vector<char> buffer(ExecutablePathBufferSize);
     ssize_t length = readlink("/proc/self/exe", buffer.data(), buffer.size());
     if (length < 0) {
-        Convert(errno, result);
+        Convert(errno, result); // a null result ends it here
         return;
     }
+    RequireReference(&result, NullResultMessage);
     path.SetPath(buffer.data(), static_cast<std::size_t>(length));
     result = ResultPass;
 }
 
 void DirectoryManager::Reserved1(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultNotSupported;
+    RequireReference(&result, NullResultMessage);
+    result = ResultNotSupported;
 }
 
 bool DirectoryManager::Absolute(const Path& path, Path& absolute) const

@@ -17,16 +17,21 @@ namespace {
 // Every file made here: rw-r--r-- before the umask.
 constexpr mode_t NewFileMode = 0644;
 
+// Ends the process when an opener is handed a null result or stream, before
+// anything is opened or deleted.
+void RequireOpenReferences(SmartPtr<IStream>& stream, _Result& result)
+{
+    if (IsNullReference(&result))
+        FatalError(L"FileManager: result NULL reference.");
+    if (IsNullReference(&stream))
+        FatalError(L"FileManager: stream NULL reference.");
+}
+
 // Opens \p path with \p flags and, on success, hands a new stream over the
 // descriptor to \p stream. On failure the caller's pointer is not touched.
 void OpenStream(const Path& path, int flags, SmartPtr<IStream>& stream, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&stream)) {
-        result = ResultFail;
-        return;
-    }
+    RequireOpenReferences(stream, result);
     int descriptor = open(path.GetPath(), flags, NewFileMode);
     if (descriptor == -1) {
         result = ResultFail;
@@ -76,7 +81,7 @@ std::uint32_t Attributes(mode_t mode)
 void FileManager::CreateFile(const Path& path, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
+        FatalError(L"FileManager: result NULL reference.");
     int descriptor = open(path.GetPath(), O_RDWR | O_CREAT | O_EXCL, NewFileMode);
     if (descriptor == -1) {
         result = ResultFail;
@@ -93,8 +98,8 @@ void FileManager::CreateNew(const Path& path, SmartPtr<IStream>& stream, _Result
 
 void FileManager::Link(const Path& existing, const Path& newName, bool replace, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    // A null result ends the process in the converter, after the deletion
+    // and the link have been made.
     if (replace) {
         _Result ignored = ResultPass;
         Path doomed(newName);
@@ -105,15 +110,14 @@ void FileManager::Link(const Path& existing, const Path& newName, bool replace, 
 
 void FileManager::Delete(const Path& path, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    // A null result ends the process in the converter, after unlink.
     Convert(unlink(path.GetPath()), result);
 }
 
 void FileManager::Exists(const Path& path, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
+        FatalError(L"FileManager: result NULL reference.");
     struct stat status;
     result = stat(path.GetPath(), &status) == 0 && S_ISREG(status.st_mode) ? ResultPass : ResultFail;
 }
@@ -121,12 +125,7 @@ void FileManager::Exists(const Path& path, _Result& result)
 void FileManager::Open(const Path& path, std::uint32_t disposition, std::uint32_t access, SmartPtr<IStream>& stream,
                        _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&stream)) {
-        result = ResultFail; // checked before anything is deleted
-        return;
-    }
+    RequireOpenReferences(stream, result); // before anything is deleted
     int flags = AccessFlags(access);
     switch (disposition & 3u) {
     case FileCreateNew:
@@ -168,19 +167,16 @@ void FileManager::OpenWrite(const Path& path, SmartPtr<IStream>& stream, _Result
 
 void FileManager::Move(const Path& from, const Path& to, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    // A null result ends the process in the converter, after rename.
     Convert(rename(from.GetPath(), to.GetPath()), result);
 }
 
 void FileManager::GetInfo(const Path& path, FileInfo& info, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&info)) {
-        result = ResultFail;
-        return;
-    }
+        FatalError(L"FileManager: result NULL reference.");
+    if (IsNullReference(&info))
+        FatalError(L"FileManager: info NULL reference.");
     struct stat status;
     if (stat(path.GetPath(), &status) == -1) {
         result = ResultFail;

@@ -8,7 +8,7 @@ namespace KivPlr {
 void ILog::Write(std::uint32_t level, const char* message, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
+        FatalError(L"ILog: result NULL reference.");
     Write(level, std::string(message != nullptr ? message : ""), result);
 }
 

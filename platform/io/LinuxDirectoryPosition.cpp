@@ -19,11 +19,9 @@ LinuxDirectoryPosition::~LinuxDirectoryPosition() = default;
 void LinuxDirectoryPosition::GetPath(Path& out, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&out)) {
-        result = ResultFail;
-        return;
-    }
+        FatalError(L"LinuxDirectoryPosition: result NULL reference.");
+    if (IsNullReference(&out))
+        FatalError(L"LinuxDirectoryPosition: path NULL reference.");
     out = path;
     result = ResultPass;
 }
@@ -53,7 +51,7 @@ void LinuxDirectoryPosition::ForgetHandle()
 bool LinuxDirectoryPosition::QueryInterfaceImpl(const Uuid* interfaceId, void** object, _Result& result)
 {
     if (IsNullReference(&result))
-        return false;
+        FatalError(L"LinuxDirectoryPosition: result NULL reference.");
     const std::vector<unsigned char>& own = ClassId().bytes;
     bool matches = interfaceId != nullptr && interfaceId->bytes.size() >= own.size() &&
                    std::memcmp(interfaceId->bytes.data(), own.data(), own.size()) == 0;

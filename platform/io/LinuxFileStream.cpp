@@ -13,19 +13,23 @@ namespace KivPlr {
 
 namespace {
 
+// Ends the process when an operation is handed a null result.
+void RequireResult(_Result& result)
+{
+    if (IsNullReference(&result))
+        FatalError(L"LinuxFileStream: result NULL reference.");
+}
+
 // The checks that Read and Write share: zero the out value, then refuse a
 // span that does not lie inside the caller's buffer. offset + count is
 // compared without letting the sum wrap around 64 bits, and a count that the
 // system call cannot take (beyond size_t on a 32-bit system) is refused too.
 bool AcceptTransfer(const void* buffer, std::uint64_t bufferSize, std::uint64_t offset, std::uint64_t count,
-                    std::uint64_t& transferred, _Result& result)
+                    std::uint64_t& transferred, const wchar_t* nullTransferredMessage, _Result& result)
 {
-    if (IsNullReference(&result))
-        return false;
-    if (IsNullReference(&transferred)) {
-        result = ResultFail;
-        return false;
-    }
+    RequireResult(result);
+    if (IsNullReference(&transferred))
+        FatalError(nullTransferredMessage);
     transferred = 0;
     if (offset > bufferSize || count > bufferSize - offset || count > SIZE_MAX || buffer == nullptr) {
         result = ResultFail;
@@ -37,8 +41,8 @@ bool AcceptTransfer(const void* buffer, std::uint64_t bufferSize, std::uint64_t 
 // The reserved slots have nothing to do and say so.
 void AnswerReserved(_Result& result)
 {
-    if (!IsNullReference(&result))
-        result = ResultFail;
+    RequireResult(result);
+    result = ResultFail;
 }
 
 } // namespace
@@ -63,8 +67,7 @@ void LinuxFileStream::Reserved2(_Result& result)
 
 void LinuxFileStream::Close(_Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    RequireResult(result);
     if (isOpen == 0) {
         result = ResultFail;
         return;
@@ -91,15 +94,15 @@ void LinuxFileStream::Reserved4(_Result& result)
 
 void LinuxFileStream::Flush(_Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    RequireResult(result);
     result = fsync(fd) == 0 ? ResultPass : ResultFail;
 }
 
 void LinuxFileStream::Read(void* buffer, std::uint64_t bufferSize, std::uint64_t offset, std::uint64_t count,
                            std::uint64_t& bytesRead, _Result& result)
 {
-    if (!AcceptTransfer(buffer, bufferSize, offset, count, bytesRead, result))
+    if (!AcceptTransfer(buffer, bufferSize, offset, count, bytesRead, L"LinuxFileStream: bytesRead NULL reference.",
+                        result))
         return;
     // One read only: a short read is handed back as it is.
     ssize_t got = read(fd, static_cast<unsigned char*>(buffer) + offset, static_cast<std::size_t>(count));
@@ -115,8 +118,7 @@ void LinuxFileStream::Read(void* buffer, std::uint64_t bufferSize, std::uint64_t
 
 void LinuxFileStream::Seek(std::int64_t offset, std::int32_t origin, _Result& result)
 {
-    if (IsNullReference(&result))
-        return;
+    RequireResult(result);
     if (origin != SEEK_SET && origin != SEEK_CUR && origin != SEEK_END) {
         result = ResultFail;
         return;
@@ -139,7 +141,8 @@ std::int64_t LinuxFileStream::GetSize()
 void LinuxFileStream::Write(const void* buffer, std::uint64_t bufferSize, std::uint64_t offset, std::uint64_t count,
                             std::uint64_t& bytesWritten, _Result& result)
 {
-    if (!AcceptTransfer(buffer, bufferSize, offset, count, bytesWritten, result))
+    if (!AcceptTransfer(buffer, bufferSize, offset, count, bytesWritten,
+                        L"LinuxFileStream: bytesWritten NULL reference.", result))
         return;
     // One write only: a short write is reported, not retried.
     ssize_t put = write(fd, static_cast<const unsigned char*>(buffer) + offset, static_cast<std::size_t>(count));

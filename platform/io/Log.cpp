@@ -31,7 +31,7 @@ Log::~Log()
 void Log::Write(std::uint32_t level, const std::string& message, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
+        FatalError(L"Log: result NULL reference.");
     // The message is deliberately the format string: writers of this log
     // double their "%" and may use the logger's own conversions such as %m.
 #pragma GCC diagnostic push
@@ -45,7 +45,7 @@ void Log::Write(std::uint32_t level, const std::string& message, _Result& result
 void Log::Close(_Result& result)
 {
     if (IsNullReference(&result))
-        return;
+        FatalError(L"Log: result NULL reference.");
     closelog();
     result = ResultPass;
 }

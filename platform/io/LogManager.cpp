@@ -30,11 +30,11 @@ void LogManager::Open(const Path&, const std::string& identity, std::uint32_t fa
                       _Result& result)
 {
     if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&identity) || IsNullReference(&log)) {
-        result = ResultFail;
-        return;
-    }
+        FatalError(L"LogManager: result NULL reference.");
+    if (IsNullReference(&identity))
+        FatalError(L"LogManager: identity NULL reference.");
+    if (IsNullReference(&log))
+        FatalError(L"LogManager: log NULL reference.");
     // The C library keeps this pointer, not a copy: the caller's string must
     // outlive the channel.
     openlog(identity.c_str(), LOG_CONS, Facility(facility));

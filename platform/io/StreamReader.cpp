@@ -27,11 +27,9 @@ void StreamReader::ReadLine(std::string& line, std::uint32_t delimiter, _Result&
 void StreamReader::Read(std::string& line, bool useDelimiter, std::uint32_t delimiter, _Result& result)
 {
     if (IsNullReference(&result))
-        return;
-    if (IsNullReference(&line)) {
-        result = ResultFail;
-        return;
-    }
+        FatalError(L"StreamReader: result NULL reference.");
+    if (IsNullReference(&line))
+        FatalError(L"StreamReader: line NULL reference.");
     line.clear();
     // Zeroed once per call, not before each read: at the end of the data the
     // buffer still holds the byte of the step before.

@@ -3,6 +3,7 @@
 #include "DirectoryReading.h"
 #include "DirectoryManager.h"
 #include "Emulation.h"
+#include "FatalMessage.h"
 #include "LinuxDirectoryPosition.h"
 #include "MountNamespace.h"
 #include "NullReference.h"
@@ -17,8 +18,10 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
+#include <functional>
 #include <set>
 #include <string>
 #include <sys/stat.h>
@@ -129,6 +132,32 @@ enum class UnreadableWorkingDirectory { TooLong, Removed };
 const char* DescribeKind(UnreadableWorkingDirectory kind)
 {
     return kind == UnreadableWorkingDirectory::TooLong ? "1100-byte working directory" : "removed working directory";
+}
+
+// What a null result reference ends the process with: the converter's own
+// message where the operation hands its system call's answer to a Linux
+// result converter, the manager's where it sets the result itself.
+const wchar_t* const ConverterMessage = L"LinuxResultPassFail: result NULL reference.";
+const wchar_t* const ResultMessage = L"DirectoryManager: result NULL reference.";
+
+// Where RecordWorkingDirectory notes the working directory of a test child
+// as it exits, so that the parent sees what a dying child did.
+std::string workingDirectoryRecord;
+
+void RecordWorkingDirectory()
+{
+    WriteFile(workingDirectoryRecord, CurrentDirectory());
+}
+
+// In a test child: a private mount namespace with an empty /proc, where
+// readlink("/proc/self/exe") fails. Exits with 2 when that cannot be made.
+void EnterNamespaceWithoutProc()
+{
+    std::string fault;
+    if (!MountNamespace::Enter(fault) || !MountNamespace::MountTmpfs("/proc", fault)) {
+        std::fputs(fault.c_str(), stderr);
+        _exit(2);
+    }
 }
 
 class DirectoryManagerTest : public ::testing::Test
@@ -840,11 +869,7 @@ TEST_F(DirectoryManagerTest, GetExecutablePathFailsWithoutProc)
     if (!MountNamespace::Available(reason))
         GTEST_SKIP() << reason;
     ChildOutcome outcome = RunInChild([] {
-        std::string fault;
-        if (!MountNamespace::Enter(fault) || !MountNamespace::MountTmpfs("/proc", fault)) {
-            std::fputs(fault.c_str(), stderr);
-            _exit(2);
-        }
+        EnterNamespaceWithoutProc();
         SmartPtr<IDirectoryManager> manager(new DirectoryManager);
         Path executable("kept");
         _Result result = ResultPass;
@@ -862,70 +887,99 @@ TEST_F(DirectoryManagerTest, ReservedOperationIsNotSupported)
     EXPECT_EQ(result, ResultNotSupported);
 }
 
-TEST_F(DirectoryManagerTest, NullResultReferenceDoesNothing)
+TEST_F(DirectoryManagerTest, CreateWithNullResultMakesTheDirectoryThenEnds)
 {
-    ASSERT_EQ(mkdir(Sub("keep").c_str(), 0755), 0);
-    SmartPtr<IDirectoryPosition> position;
-    std::string name;
-    std::vector<std::string> names;
-    Path path;
-    WorkingDirectoryGuard guard;
-    directories->Create(Path(Sub("new")), NullResult());
-    directories->Remove(Path(Sub("keep")), true, NullResult());
-    directories->Remove(Path(Sub("keep")), false, NullResult());
-    directories->Exists(Path(Sub("keep")), NullResult());
-    directories->GetDirectories(Path(Sub("keep")), names, NullResult());
-    directories->GetFiles(Path(Sub("keep")), names, NullResult());
-    directories->FindFirst(Path(Sub("keep")), position, name, NullResult());
-    directories->IsDirectory(Path(Sub("keep")), NullResult());
-    directories->GetCurrent(name, NullResult());
-    directories->SetCurrent(Path(Sub("keep")), NullResult());
-    directories->GetExecutablePath(path, NullResult());
-    directories->Reserved1(NullResult());
-    EXPECT_FALSE(Exists(Sub("new")));
-    EXPECT_TRUE(Exists(Sub("keep")));
-    EXPECT_TRUE(names.empty());
-    EXPECT_FALSE(position);
-    EXPECT_EQ(name, "");
-    EXPECT_EQ(std::string(path.GetPath()), "");
-    EXPECT_NE(CurrentDirectory(), Sub("keep"));
+    EXPECT_FATAL_MESSAGE(directories->Create(Path(Sub("new")), NullResult()), ConverterMessage);
+    EXPECT_TRUE(Exists(Sub("new")));
 }
 
-TEST_F(DirectoryManagerTest, NullOutReferencesFail)
+TEST_F(DirectoryManagerTest, RemoveWithoutRecursionWithNullResultRemovesTheDirectoryThenEnds)
+{
+    ASSERT_EQ(mkdir(Sub("empty").c_str(), 0755), 0);
+    EXPECT_FATAL_MESSAGE(directories->Remove(Path(Sub("empty")), false, NullResult()), ConverterMessage);
+    EXPECT_FALSE(Exists(Sub("empty")));
+}
+
+TEST_F(DirectoryManagerTest, SetCurrentWithNullResultChangesDirectoryThenEnds)
+{
+    ASSERT_EQ(mkdir(Sub("there").c_str(), 0755), 0);
+    workingDirectoryRecord = Sub("record");
+    EXPECT_FATAL_MESSAGE(std::atexit(RecordWorkingDirectory);
+                         directories->SetCurrent(Path(Sub("there")), NullResult()), ConverterMessage);
+    EXPECT_EQ(KivTest::ReadFile(Sub("record")), RealPath() + "/there");
+}
+
+TEST_F(DirectoryManagerTest, IsDirectoryWithNullResultEndsInTheConverterOnlyWhenStatFails)
+{
+    ASSERT_EQ(mkdir(Sub("folder").c_str(), 0755), 0);
+    EXPECT_FATAL_MESSAGE(directories->IsDirectory(Path(Sub("missing")), NullResult()), ConverterMessage);
+    EXPECT_FATAL_MESSAGE(directories->IsDirectory(Path(Sub("folder")), NullResult()), ResultMessage);
+}
+
+TEST_F(DirectoryManagerTest, GetExecutablePathFailureWithNullResultEndsInTheConverter)
+{
+    std::string reason;
+    if (!MountNamespace::Available(reason))
+        GTEST_SKIP() << reason;
+    Path executable;
+    EXPECT_FATAL_MESSAGE(EnterNamespaceWithoutProc(); directories->GetExecutablePath(executable, NullResult()),
+                         ConverterMessage);
+}
+
+TEST_F(DirectoryManagerTest, OtherOperationsWithNullResultAreFatalAndTouchNothing)
 {
     SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
-    ASSERT_EQ(mkdir(Sub("list").c_str(), 0755), 0);
+    ASSERT_TRUE(MakeTree({"keep/", "keep/sub/", "keep/f"}));
     SmartPtr<IDirectoryPosition> position;
     std::string name;
-    _Result result = ResultPass;
-    directories->GetDirectories(Path(Sub("list")), NullNames(), result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    directories->FindFirst(Path(Sub("list")), NullPosition(), name, result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    directories->FindFirst(Path(Sub("list")), position, NullName(), result);
-    EXPECT_EQ(result, ResultFail);
-    EXPECT_FALSE(position);
-    EXPECT_TRUE(DescriptorsOpenOn(Sub("list")).empty());
-    result = ResultPass;
-    directories->GetCurrent(NullName(), result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    directories->GetExecutablePath(NullPath(), result);
-    EXPECT_EQ(result, ResultFail);
+    ASSERT_TRUE(StartListing(position, name));
+    std::vector<std::string> names;
+    Path path;
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"recursive Remove", [&] { directories->Remove(Path(Sub("keep")), true, NullResult()); }},
+        {"Exists", [&] { directories->Exists(Path(Sub("keep")), NullResult()); }},
+        {"GetDirectories", [&] { directories->GetDirectories(Path(Sub("keep")), names, NullResult()); }},
+        {"GetFiles", [&] { directories->GetFiles(Path(Sub("keep")), names, NullResult()); }},
+        {"FindFirst", [&] { directories->FindFirst(Path(Sub("keep")), position, name, NullResult()); }},
+        {"FindNext", [&] { directories->FindNext(position, name, NullResult()); }},
+        {"FindRelease", [&] { directories->FindRelease(position, NullResult()); }},
+        {"GetCurrent", [&] { directories->GetCurrent(name, NullResult()); }},
+        {"GetExecutablePath", [&] { directories->GetExecutablePath(path, NullResult()); }},
+        {"Reserved1", [&] { directories->Reserved1(NullResult()); }},
+    };
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.first);
+        EXPECT_FATAL_MESSAGE(entry.second(), ResultMessage);
+    }
+    EXPECT_TRUE(Exists(Sub("keep/sub")));
+    EXPECT_TRUE(Exists(Sub("keep/f")));
+    _Result result = ResultFail;
+    directories->FindRelease(position, result);
+    EXPECT_EQ(result, ResultPass);
+}
 
-    directories->FindFirst(Path(Sub("list")), position, name, result);
-    ASSERT_EQ(result, ResultPass);
-    result = ResultPass;
-    directories->FindNext(position, NullName(), result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    directories->FindNext(NullPosition(), name, result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    directories->FindRelease(NullPosition(), result);
-    EXPECT_EQ(result, ResultFail);
+TEST_F(DirectoryManagerTest, NullOutReferencesAreFatal)
+{
+    SKIP_UNLESS_DIRECTORIES_CAN_BE_READ();
+    SmartPtr<IDirectoryPosition> position;
+    std::string name;
+    ASSERT_TRUE(StartListing(position, name));
+    _Result result = ResultFail;
+    const Path list(Sub("list"));
+    const std::pair<std::function<void()>, const wchar_t*> cases[] = {
+        {[&] { directories->GetDirectories(list, NullNames(), result); }, L"DirectoryManager: names NULL reference."},
+        {[&] { directories->GetFiles(list, NullNames(), result); }, L"DirectoryManager: names NULL reference."},
+        {[&] { directories->FindFirst(list, NullPosition(), name, result); },
+         L"DirectoryManager: position NULL reference."},
+        {[&] { directories->FindFirst(list, position, NullName(), result); }, L"DirectoryManager: name NULL reference."},
+        {[&] { directories->FindNext(position, NullName(), result); }, L"DirectoryManager: name NULL reference."},
+        {[&] { directories->FindNext(NullPosition(), name, result); }, L"DirectoryManager: position NULL reference."},
+        {[&] { directories->FindRelease(NullPosition(), result); }, L"DirectoryManager: position NULL reference."},
+        {[&] { directories->GetCurrent(NullName(), result); }, L"DirectoryManager: current NULL reference."},
+        {[&] { directories->GetExecutablePath(NullPath(), result); }, L"DirectoryManager: path NULL reference."},
+    };
+    for (const auto& entry : cases)
+        EXPECT_FATAL_MESSAGE(entry.first(), entry.second);
     directories->FindRelease(position, result);
     EXPECT_EQ(result, ResultPass);
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
 #include "FileManager.h"
 #include "LinuxFileStream.h"
 #include "NullReference.h"
@@ -13,6 +14,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <functional>
 #include <string>
 #include <type_traits>
 #include <sys/socket.h>
@@ -35,6 +37,10 @@ KIV_NULL_REFERENCE(NullStream, SmartPtr<IStream>)
 KIV_NULL_REFERENCE(NullInfo, FileInfo)
 
 const std::string OldContent = "old content";
+
+// A null result reference handed on to a Linux result converter ends the
+// process with the converter's own message, after the system call.
+const wchar_t* const ConverterMessage = L"LinuxResultPassFail: result NULL reference.";
 
 ino_t InodeOf(const std::string& path)
 {
@@ -626,42 +632,73 @@ TEST(FileInfoTest, FieldsHaveTheirFixedWidths)
     EXPECT_EQ(info.size, 0);
 }
 
-TEST_F(FileManagerTest, NullResultReferenceDoesNothing)
+TEST_F(FileManagerTest, DeleteWithNullResultUnlinksThenEnds)
+{
+    ASSERT_TRUE(WriteFile(File("a"), OldContent));
+    EXPECT_FATAL_MESSAGE(files->Delete(Path(File("a")), NullResult()), ConverterMessage);
+    EXPECT_TRUE(IsMissing(File("a")));
+}
+
+TEST_F(FileManagerTest, MoveWithNullResultRenamesThenEnds)
+{
+    ASSERT_TRUE(WriteFile(File("a"), OldContent));
+    EXPECT_FATAL_MESSAGE(files->Move(Path(File("a")), Path(File("c")), NullResult()), ConverterMessage);
+    EXPECT_TRUE(IsMissing(File("a")));
+    EXPECT_EQ(ReadFile(File("c")), OldContent);
+}
+
+TEST_F(FileManagerTest, LinkWithNullResultReplacesAndLinksThenEnds)
+{
+    ASSERT_TRUE(WriteFile(File("a"), OldContent));
+    ASSERT_TRUE(WriteFile(File("d"), "replaced"));
+    EXPECT_FATAL_MESSAGE(files->Link(Path(File("a")), Path(File("d")), true, NullResult()), ConverterMessage);
+    EXPECT_EQ(InodeOf(File("d")), InodeOf(File("a")));
+}
+
+TEST_F(FileManagerTest, OtherOperationsWithNullResultAreFatalAndTouchNothing)
 {
     ASSERT_TRUE(WriteFile(File("a"), OldContent));
     SmartPtr<IStream> stream;
     FileInfo info;
-    files->CreateFile(Path(File("b")), NullResult());
-    files->Delete(Path(File("a")), NullResult());
-    files->Move(Path(File("a")), Path(File("c")), NullResult());
-    files->Link(Path(File("a")), Path(File("d")), true, NullResult());
-    files->Exists(Path(File("a")), NullResult());
-    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, stream, NullResult());
-    files->OpenRead(Path(File("a")), stream, NullResult());
-    files->CreateNew(Path(File("e")), stream, NullResult());
-    files->GetInfo(Path(File("a")), info, NullResult());
-    EXPECT_FALSE(stream);
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"CreateFile", [&] { files->CreateFile(Path(File("b")), NullResult()); }},
+        {"Exists", [&] { files->Exists(Path(File("a")), NullResult()); }},
+        {"Open afresh", [&] { files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, stream, NullResult()); }},
+        {"Open new", [&] { files->Open(Path(File("b")), FileCreateNew, FileAccessWrite, stream, NullResult()); }},
+        {"OpenRead", [&] { files->OpenRead(Path(File("a")), stream, NullResult()); }},
+        {"OpenReadWrite", [&] { files->OpenReadWrite(Path(File("a")), stream, NullResult()); }},
+        {"OpenWrite", [&] { files->OpenWrite(Path(File("a")), stream, NullResult()); }},
+        {"CreateNew", [&] { files->CreateNew(Path(File("b")), stream, NullResult()); }},
+        {"GetInfo", [&] { files->GetInfo(Path(File("a")), info, NullResult()); }},
+    };
+    const ino_t inode = InodeOf(File("a"));
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.first);
+        EXPECT_FATAL_MESSAGE(entry.second(), L"FileManager: result NULL reference.");
+    }
     EXPECT_EQ(ReadFile(File("a")), OldContent);
-    for (const char* name : {"b", "c", "d", "e"})
-        EXPECT_TRUE(IsMissing(File(name))) << name;
+    EXPECT_EQ(InodeOf(File("a")), inode);
+    EXPECT_TRUE(IsMissing(File("b")));
 }
 
-TEST_F(FileManagerTest, NullOutReferencesFailWithoutTouchingTheFile)
+TEST_F(FileManagerTest, NullOutReferencesAreFatalAndTouchNothing)
 {
     ASSERT_TRUE(WriteFile(File("a"), OldContent));
-    _Result result = ResultPass;
-    files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, NullStream(), result);
-    EXPECT_EQ(result, ResultFail);
+    _Result result = ResultFail;
+    const wchar_t* const streamMessage = L"FileManager: stream NULL reference.";
+    const std::pair<std::function<void()>, const wchar_t*> cases[] = {
+        {[&] { files->Open(Path(File("a")), FileCreateAlways, FileAccessWrite, NullStream(), result); }, streamMessage},
+        {[&] { files->Open(Path(File("b")), FileOpenAlways, FileAccessWrite, NullStream(), result); }, streamMessage},
+        {[&] { files->OpenRead(Path(File("a")), NullStream(), result); }, streamMessage},
+        {[&] { files->OpenReadWrite(Path(File("a")), NullStream(), result); }, streamMessage},
+        {[&] { files->OpenWrite(Path(File("a")), NullStream(), result); }, streamMessage},
+        {[&] { files->CreateNew(Path(File("b")), NullStream(), result); }, streamMessage},
+        {[&] { files->GetInfo(Path(File("a")), NullInfo(), result); }, L"FileManager: info NULL reference."},
+    };
+    const ino_t inode = InodeOf(File("a"));
+    for (const auto& entry : cases)
+        EXPECT_FATAL_MESSAGE(entry.first(), entry.second);
     EXPECT_EQ(ReadFile(File("a")), OldContent);
-    result = ResultPass;
-    files->OpenRead(Path(File("a")), NullStream(), result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    files->CreateNew(Path(File("b")), NullStream(), result);
-    EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(InodeOf(File("a")), inode);
     EXPECT_TRUE(IsMissing(File("b")));
-    result = ResultPass;
-    files->GetInfo(Path(File("a")), NullInfo(), result);
-    EXPECT_EQ(result, ResultFail);
-    EXPECT_TRUE(DescriptorsOpenOn(File("a")).empty());
 }

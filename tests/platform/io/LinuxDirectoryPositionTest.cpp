@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "DirectoryReading.h"
+#include "FatalMessage.h"
 #include "LinuxDirectoryPosition.h"
 #include "NullReference.h"
 #include "OpenDescriptors.h"
@@ -126,10 +127,19 @@ TEST_F(LinuxDirectoryPositionTest, GetPathCopiesTheStoredPath)
     position->GetPath(copy, result);
     EXPECT_EQ(result, ResultPass);
     EXPECT_EQ(std::string(copy.GetPath()), directory.Path());
-    position->GetPath(copy, NullResult());
-    result = ResultPass;
-    position->GetPath(NullPath(), result);
-    EXPECT_EQ(result, ResultFail);
+}
+
+TEST_F(LinuxDirectoryPositionTest, NullReferencesAreFatal)
+{
+    Path copy;
+    _Result result = ResultFail;
+    void* raw = nullptr;
+    LinuxDirectoryPosition* concrete = new LinuxDirectoryPosition(nullptr, Path("/"));
+    SmartPtr<IDirectoryPosition> owner(concrete);
+    EXPECT_FATAL_MESSAGE(position->GetPath(copy, NullResult()), L"LinuxDirectoryPosition: result NULL reference.");
+    EXPECT_FATAL_MESSAGE(position->GetPath(NullPath(), result), L"LinuxDirectoryPosition: path NULL reference.");
+    EXPECT_FATAL_MESSAGE(concrete->QueryInterfaceImpl(&LinuxDirectoryPosition::ClassId(), &raw, NullResult()),
+                         L"LinuxDirectoryPosition: result NULL reference.");
 }
 
 TEST_F(LinuxDirectoryPositionTest, DestroyingThePositionLeavesTheStreamOpen)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
 #include "FileManager.h"
 #include "LinuxFileStream.h"
 #include "NullReference.h"
@@ -10,6 +11,7 @@
 
 #include <cstdint>
 #include <fcntl.h>
+#include <functional>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -474,32 +476,41 @@ TEST_F(LinuxFileStreamTest, ReleasingAClosedStreamDoesNotCloseAgain)
     close(other);
 }
 
-TEST_F(LinuxFileStreamTest, NullReferencesNeitherCrashNorTransfer)
+TEST_F(LinuxFileStreamTest, OperationsWithNullResultAreFatalAndTransferNothing)
 {
     SmartPtr<IStream> stream = OpenData();
     std::uint64_t count = 0;
     unsigned char buffer[4];
-    stream->Reserved1(NullResult());
-    stream->Reserved2(NullResult());
-    stream->Reserved3(NullResult());
-    stream->Reserved4(NullResult());
-    stream->Flush(NullResult());
-    stream->Seek(5, 0, NullResult());
-    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, count, NullResult());
-    stream->Write("ab", 2, 0, 2, count, NullResult());
-    EXPECT_EQ(count, 0u);
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"Reserved1", [&] { stream->Reserved1(NullResult()); }},
+        {"Reserved2", [&] { stream->Reserved2(NullResult()); }},
+        {"Close", [&] { stream->Close(NullResult()); }},
+        {"Reserved3", [&] { stream->Reserved3(NullResult()); }},
+        {"Reserved4", [&] { stream->Reserved4(NullResult()); }},
+        {"Flush", [&] { stream->Flush(NullResult()); }},
+        {"Read", [&] { stream->Read(buffer, sizeof buffer, 0, sizeof buffer, count, NullResult()); }},
+        {"Seek", [&] { stream->Seek(5, 0, NullResult()); }},
+        {"Write", [&] { stream->Write("ab", 2, 0, 2, count, NullResult()); }},
+    };
+    for (const auto& entry : cases) {
+        SCOPED_TRACE(entry.first);
+        EXPECT_FATAL_MESSAGE(entry.second(), L"LinuxFileStream: result NULL reference.");
+    }
+    // The children shared the descriptor's file position with us: had one of
+    // them read, written or sought, the next byte would not be the first.
     EXPECT_EQ(ReadFile(file), Digits);
     EXPECT_EQ(NextByte(*stream), '0');
+}
 
-    _Result result = ResultPass;
-    stream->Read(buffer, sizeof buffer, 0, sizeof buffer, NullCount(), result);
-    EXPECT_EQ(result, ResultFail);
-    result = ResultPass;
-    stream->Write("ab", 2, 0, 2, NullCount(), result);
-    EXPECT_EQ(result, ResultFail);
+TEST_F(LinuxFileStreamTest, NullCountsAreFatalAndTransferNothing)
+{
+    SmartPtr<IStream> stream = OpenData();
+    unsigned char buffer[4];
+    _Result result = ResultFail;
+    EXPECT_FATAL_MESSAGE(stream->Read(buffer, sizeof buffer, 0, sizeof buffer, NullCount(), result),
+                         L"LinuxFileStream: bytesRead NULL reference.");
+    EXPECT_FATAL_MESSAGE(stream->Write("ab", 2, 0, 2, NullCount(), result),
+                         L"LinuxFileStream: bytesWritten NULL reference.");
     EXPECT_EQ(ReadFile(file), Digits);
-    EXPECT_EQ(NextByte(*stream), '1');
-
-    stream->Close(NullResult());
-    EXPECT_EQ(DescriptorsOpenOn(file).size(), 1u);
+    EXPECT_EQ(NextByte(*stream), '0');
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "FakeSyslogSocket.h"
+#include "FatalMessage.h"
 #include "Log.h"
 #include "LogManager.h"
 #include "NullReference.h"
@@ -20,6 +21,7 @@ namespace {
 
 KIV_NULL_REFERENCE(NullResult, _Result)
 KIV_NULL_REFERENCE(NullLog, SmartPtr<ILog>)
+KIV_NULL_REFERENCE(NullIdentity, std::string)
 
 // Syslog facility codes as they appear in the priority number (facility * 8).
 constexpr int User = 8;
@@ -139,13 +141,15 @@ TEST(LogManagerTest, OpenIntoAPointerHoldingALogClosesTheChannelAgain)
     EXPECT_EQ(messages[0].text, "after reopening");
 }
 
-TEST(LogManagerTest, NullReferencesDoNothing)
+TEST(LogManagerTest, NullReferencesAreFatal)
 {
     SmartPtr<ILogManager> logs(new LogManager);
     SmartPtr<ILog> log;
-    logs->Open(Path(), Identity, LogFacilityUser, log, NullResult());
-    EXPECT_FALSE(log);
-    _Result result = ResultPass;
-    logs->Open(Path(), Identity, LogFacilityUser, NullLog(), result);
-    EXPECT_EQ(result, ResultFail);
+    _Result result = ResultFail;
+    EXPECT_FATAL_MESSAGE(logs->Open(Path(), Identity, LogFacilityUser, log, NullResult()),
+                         L"LogManager: result NULL reference.");
+    EXPECT_FATAL_MESSAGE(logs->Open(Path(), NullIdentity(), LogFacilityUser, log, result),
+                         L"LogManager: identity NULL reference.");
+    EXPECT_FATAL_MESSAGE(logs->Open(Path(), Identity, LogFacilityUser, NullLog(), result),
+                         L"LogManager: log NULL reference.");
 }

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "ChildProcess.h"
 #include "FakeSyslogSocket.h"
+#include "FatalMessage.h"
 #include "Log.h"
 #include "LogManager.h"
 #include "NullReference.h"
@@ -8,11 +10,14 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <functional>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 using namespace KivPlr;
 using KivTest::CaptureSyslog;
+using KivTest::ChildOutcome;
 using KivTest::ParsedMessages;
 using KivTest::SyslogCapture;
 using KivTest::SyslogMessage;
@@ -29,6 +34,34 @@ constexpr int Error = 3;
 // The identities must outlive the channel: the C library keeps the pointer.
 const std::string FirstIdentity = "kiv-first-log";
 const std::string SecondIdentity = "kiv-second-log";
+
+// Every operation of a log handed a null result, with the message it must
+// end the process with.
+struct NullResultCase
+{
+    std::function<void(ILog&)> call;
+    const wchar_t* message;
+};
+
+const std::vector<NullResultCase>& NullResultCases()
+{
+    static const std::vector<NullResultCase> cases = {
+        {[](ILog& log) { log.Write(LogLevelInformation, std::string("dropped"), NullResult()); },
+         L"Log: result NULL reference."},
+        {[](ILog& log) { log.Write(LogLevelInformation, "dropped too", NullResult()); }, L"ILog: result NULL reference."},
+        {[](ILog& log) { log.Close(NullResult()); }, L"Log: result NULL reference."},
+    };
+    return cases;
+}
+
+// In a test child of its own: true when \p call ends that child silently
+// with exit status 1 through the fatal-error routine with \p message.
+bool EndsFatallyWith(const std::function<void()>& call, const wchar_t* message)
+{
+    ChildOutcome outcome = KivTest::RunInChild(call);
+    return outcome.exited && outcome.exitStatus == 1 && outcome.standardOutput.empty() &&
+           outcome.standardError.empty() && KivTest::FatalMessageOf(call) == message;
+}
 
 // A log on the user facility with \p identity.
 SmartPtr<ILog> OpenLog(const std::string& identity)
@@ -166,13 +199,23 @@ TEST(LogTest, CloseClosesTheChannelAndLaterWritesUseTheDefaults)
     EXPECT_EQ(messages[0].text, "after close");
 }
 
-TEST(LogTest, NullResultReferenceWritesNothing)
+TEST(LogTest, NullResultIsFatal)
+{
+    SmartPtr<ILog> log(new Log);
+    for (const NullResultCase& entry : NullResultCases())
+        EXPECT_FATAL_MESSAGE(entry.call(*log), entry.message);
+}
+
+TEST(LogTest, NullResultWritesNothing)
 {
     SyslogCapture capture = CaptureSyslog([] {
         SmartPtr<ILog> log = OpenLog(FirstIdentity);
-        log->Write(LogLevelInformation, std::string("dropped"), NullResult());
-        log->Write(LogLevelInformation, "dropped too", NullResult());
-        log->Close(NullResult());
+        // Assertions do not reach the test from here: a wrong ending fails
+        // the capture instead.
+        for (const NullResultCase& entry : NullResultCases()) {
+            if (!EndsFatallyWith([&] { entry.call(*log); }, entry.message))
+                _exit(3);
+        }
         _Result result = ResultFail;
         log->Write(LogLevelInformation, "kept", result);
     });
@@ -180,5 +223,5 @@ TEST(LogTest, NullResultReferenceWritesNothing)
     std::vector<SyslogMessage> messages = ParsedMessages(capture);
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_EQ(messages[0].text, "kept");
-    EXPECT_EQ(messages[0].identity, FirstIdentity); // Close did nothing either
+    EXPECT_EQ(messages[0].identity, FirstIdentity);
 }
