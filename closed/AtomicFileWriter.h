@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // AtomicFileWriter.h - replaces one file in the current working directory
 // atomically and durably: temporary file beside it, fsync, rename over the
-// target, fsync of the directory.
+// target, fsync of the directory. Temporary files that writers killed before
+// their rename left behind are removed by the next write.
 //
 // Used by Discovery::WriteToFile; a stateless helper, safe on any thread as
 // long as no other thread changes the working directory meanwhile.
@@ -27,6 +28,14 @@ public:
     /// the old file is then unchanged and the temporary file removed. A
     /// failure to flush the directory after the rename is reported too,
     /// although the new content is then in place.
+    ///
+    /// The temporary file is ".<up to 100 bytes of fileName>.<12 hex
+    /// digits>.tmp", created exclusively with mode 0600 and held under an
+    /// exclusive flock until it is renamed or removed; it gets \p mode just
+    /// before the flush. Before creating its own, Replace removes the stale
+    /// ones of \p fileName: names of exactly that form that are regular files
+    /// of the calling user and that no process holds locked (their writer
+    /// died). Any other entry of the directory is never touched.
     static bool Replace(const std::string& fileName, const std::string& content, mode_t mode, std::string& fault);
 };
 

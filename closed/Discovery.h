@@ -49,7 +49,10 @@ public:
     /// XML cannot carry (a control character other than tab, line feed and
     /// carriage return), or when writing fails (disk full, directory not
     /// writable or gone). On failure the earlier file is left as it was and no
-    /// temporary file remains.
+    /// temporary file remains. A write also removes the temporary files
+    /// ".<name>.xml.<12 hex digits>.tmp" that writers killed before their
+    /// rename left behind: only regular files of this user that no live
+    /// writer holds locked (see AtomicFileWriter), nothing else.
     bool WriteToFile();
 
     /// Why the last WriteToFile failed; empty after one that succeeded.

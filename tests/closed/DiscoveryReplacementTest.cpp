@@ -14,6 +14,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -22,6 +23,7 @@
 #include <vector>
 #include <signal.h>
 #include <string>
+#include <sys/inotify.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -37,6 +39,17 @@ using KivTest::TemporaryDirectory;
 namespace {
 
 const int kRewrites = 1000;
+const int kKilledWriters = 200;
+/// Real time a writer may take to create its temporary file before the test
+/// gives up on the round.
+const int kCreationLimitMilliseconds = 10000;
+
+bool IsTemporaryFileOf(const std::string& name, const std::string& fileName)
+{
+    const std::string prefix = "." + fileName + ".";
+    return name.size() > prefix.size() + 4 && name.compare(0, prefix.size(), prefix) == 0 &&
+           name.compare(name.size() - 4, 4, ".tmp") == 0;
+}
 
 
 bool WriteDescription(const std::string& metadata, std::string& fault)
@@ -258,4 +271,82 @@ TEST_F(DiscoveryReplacementTest, MissingDirectoryFailsAndWritesNothingAnywhere)
         checks.Finish();
     });
     ExpectChildPassed(outcome);
+}
+
+TEST_F(DiscoveryReplacementTest, WritersKilledMidWriteLeaveAtMostOneTemporaryFile)
+{
+    KivTest::WorkingDirectoryGuard enter(directory.Path());
+    const std::string first(200000, 'A');
+    const std::string second(300000, 'B');
+    std::string fault;
+    ASSERT_TRUE(WriteDescription(first, fault)) << fault;
+    const std::string firstFile = ReadFile(File());
+    ASSERT_TRUE(WriteDescription(second, fault)) << fault;
+    const std::string secondFile = ReadFile(File());
+    const std::vector<std::string> bystanders = {"notes.txt", ".Management.xml.tmp", ".Other.xml.0123456789ab.tmp"};
+    for (const std::string& name : bystanders)
+        ASSERT_TRUE(KivTest::WriteFile(directory.Path() + "/" + name, "kept"));
+
+    int leftBehind = 0;
+    for (int round = 0; round < kKilledWriters; ++round) {
+        int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
+        ASSERT_GE(watch, 0);
+        ASSERT_GE(inotify_add_watch(watch, directory.Path().c_str(), IN_CREATE), 0);
+        std::fflush(nullptr);
+        pid_t writer = fork();
+        ASSERT_GE(writer, 0);
+        if (writer == 0) {
+            for (unsigned version = 0;; ++version) {
+                std::string ignored;
+                WriteDescription(version % 2 == 0 ? first : second, ignored);
+            }
+        }
+        // Killed as soon as it has created its temporary file: mostly while it
+        // writes or flushes, sometimes just after its rename.
+        bool created = false;
+        struct pollfd ready = {watch, POLLIN, 0};
+        while (!created && poll(&ready, 1, kCreationLimitMilliseconds) > 0) {
+            alignas(struct inotify_event) char events[4096];
+            ssize_t length = read(watch, events, sizeof events);
+            for (ssize_t offset = 0; offset < length;) {
+                const struct inotify_event* event = reinterpret_cast<const struct inotify_event*>(events + offset);
+                if (event->len > 0 && IsTemporaryFileOf(event->name, "Management.xml"))
+                    created = true;
+                offset += static_cast<ssize_t>(sizeof(struct inotify_event) + event->len);
+            }
+        }
+        kill(writer, SIGKILL);
+        int status = 0;
+        waitpid(writer, &status, 0);
+        close(watch);
+        ASSERT_TRUE(created) << "round " << round << ": the writer made no temporary file";
+        ASSERT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL) << "round " << round;
+
+        std::vector<std::string> temporaries;
+        std::vector<std::string> strangers;
+        bool described = false;
+        for (const std::string& name : KivTest::ListDirectory(directory.Path())) {
+            if (name == "Management.xml")
+                described = true;
+            else if (IsTemporaryFileOf(name, "Management.xml"))
+                temporaries.push_back(name);
+            else if (std::find(bystanders.begin(), bystanders.end(), name) == bystanders.end())
+                strangers.push_back(name);
+        }
+        ASSERT_EQ(strangers, std::vector<std::string>()) << "round " << round;
+        ASSERT_TRUE(described) << "round " << round;
+        ASSERT_LE(temporaries.size(), 1u) << "round " << round << ": " << temporaries.size() << " temporary files";
+        leftBehind += static_cast<int>(temporaries.size());
+        std::string content = ReadFile(File());
+        ASSERT_TRUE(content == firstFile || content == secondFile) << "round " << round << ": a torn description";
+    }
+    for (const std::string& name : bystanders)
+        EXPECT_EQ(ReadFile(directory.Path() + "/" + name), "kept") << name;
+    // The next write clears what the last killed writer left.
+    ASSERT_TRUE(WriteDescription(first, fault)) << fault;
+    std::vector<std::string> expected = bystanders;
+    expected.push_back("Management.xml");
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(KivTest::ListDirectory(directory.Path()), expected);
+    RecordProperty("KillsThatLeftATemporaryFile", leftBehind);
 }
