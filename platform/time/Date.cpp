@@ -125,6 +125,12 @@ std::int32_t Date::GetDayNumber() const
 
 void Date::GetYearMonthDay(std::int32_t& year, std::int32_t& month, std::int32_t& day) const
 {
+    if (IsNullReference(&year))
+        FatalError(L"Date: year NULL reference.");
+    if (IsNullReference(&month))
+        FatalError(L"Date: month NULL reference.");
+    if (IsNullReference(&day))
+        FatalError(L"Date: day NULL reference.");
     // Count from 0001-01-01 in 400-year cycles of 146097 days, then centuries
     // (36524 days), four-year groups (1461 days) and years; the last century
     // and the last year of a group are one day longer, hence the caps at 3.

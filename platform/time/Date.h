@@ -56,7 +56,7 @@ public:
     /// Days since 1970-01-01.
     std::int32_t GetDayNumber() const;
     /// The Gregorian year, month (1..12) and day (1..31) of the day number,
-    /// whatever the kind.
+    /// whatever the kind. A null reference for any of them is fatal.
     void GetYearMonthDay(std::int32_t& year, std::int32_t& month, std::int32_t& day) const;
     /// 0 for Sunday up to 6 for Saturday (1970-01-01 was a Thursday, 4).
     std::int32_t GetWeekday() const;

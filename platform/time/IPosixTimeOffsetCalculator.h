@@ -21,6 +21,7 @@ class IPosixTimespecOffsetCalculator : public virtual IObject
 {
 public:
     /// \p deadline = the provider's current time + \p timeoutMilliseconds.
+    /// A null \p deadline reference is fatal.
     virtual void ComputeDeadline(std::uint32_t timeoutMilliseconds, struct timespec& deadline) = 0;
 };
 

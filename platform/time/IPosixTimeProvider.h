@@ -22,6 +22,7 @@ class IPosixTimespecProvider : public virtual IObject
 {
 public:
     /// clock_gettime on the provider's clock; its return value unchanged.
+    /// A null \p now reference is fatal.
     virtual int GetCurrentTime(struct timespec& now) = 0;
 };
 

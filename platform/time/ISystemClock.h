@@ -21,7 +21,9 @@ namespace KivPlr {
 class ISystemClock : public virtual IObject
 {
 public:
-    /// The current wall-clock time (UTC), to the microsecond.
+    /// The current wall-clock time (UTC), to the microsecond. A null \p now
+    /// reference is fatal, as is a null \p result of SetTime (which then
+    /// leaves the clock alone).
     virtual void GetTime(TimePoint& now) = 0;
     /// Sets the wall clock to \p time: 200 on success, 500 when the system
     /// refuses (no permission, a value it does not take) or \p time cannot be

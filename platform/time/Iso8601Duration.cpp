@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Iso8601Duration.h"
 
+#include "FatalError.h"
+
 #include <cmath>
 #include <cstdio>
 #include <sstream>
@@ -31,6 +33,21 @@ std::string FormatValue(float value, std::int32_t precision)
     return text;
 }
 
+void CheckResultReference(_Result& result)
+{
+    if (IsNullReference(&result))
+        FatalError(L"Iso8601Duration: result NULL reference.");
+}
+
+// The stream's own type: converting to its virtual base std::ios would
+// already read through the null address.
+template <typename Stream>
+void CheckStreamReference(Stream& stream)
+{
+    if (IsNullReference(&stream))
+        FatalError(L"Iso8601Duration: stream NULL reference.");
+}
+
 bool StartsNumber(std::istream::int_type character)
 {
     return (character >= '0' && character <= '9') || character == '.' || character == '+' || character == '-';
@@ -46,6 +63,7 @@ Iso8601Duration::~Iso8601Duration() = default;
 
 void Iso8601Duration::SetComponent(Component component, float value, _Result& result)
 {
+    CheckResultReference(result);
     if (Compare(value, 0.0f) <= 0) {
         result = ResultOutOfRange;
         return;
@@ -176,6 +194,8 @@ void Iso8601Duration::Normalise()
 
 void Iso8601Duration::Write(std::ostream& stream, _Result& result) const
 {
+    CheckResultReference(result);
+    CheckStreamReference(stream);
     stream << ToText();
     result = stream.fail() ? ResultFail : ResultPass;
 }
@@ -233,6 +253,8 @@ void Iso8601Duration::Read(std::istream& stream, _Result& result)
 {
     static const Component DateComponents[] = {Years, Months, Weeks, Days};
     static const Component TimeComponents[] = {Hours, Minutes, Seconds};
+    CheckResultReference(result);
+    CheckStreamReference(stream);
     Iso8601Duration candidate(*this);
     candidate.Clear();
     if (stream.get() != 'P') {

@@ -4,7 +4,8 @@
 // standard stream. It sits beside TimeDuration for configuration and logs.
 //
 // A plain value class, not a platform object; one object is not
-// synchronised. Components are positive or absent (0):
+// synchronised. A null result or stream reference ends the process
+// (FatalError). Components are positive or absent (0):
 //
 //   Iso8601Duration duration;
 //   duration.SetDays(1.5f, result);          // 200

@@ -2,6 +2,7 @@
 #include "LinuxSystemClock.h"
 
 #include "Epoch.h"
+#include "FatalError.h"
 
 #include <limits>
 
@@ -9,6 +10,8 @@ namespace KivPlr {
 
 void LinuxSystemClock::GetTime(TimePoint& now)
 {
+    if (IsNullReference(&now))
+        FatalError(L"LinuxSystemClock: now NULL reference.");
     struct timeval tv = {};
     gettimeofday(&tv, nullptr);
     now = FromTimeval(tv);
@@ -16,6 +19,10 @@ void LinuxSystemClock::GetTime(TimePoint& now)
 
 void LinuxSystemClock::SetTime(const TimePoint& time, _Result& result)
 {
+    // Checked before the clock is touched: a caller without a result must
+    // not set the time and then die not knowing whether it did.
+    if (IsNullReference(&result))
+        FatalError(L"LinuxSystemClock: result NULL reference.");
     struct timeval tv = {};
     if (!ToTimeval(time, tv)) {
         result = ResultFail;
@@ -36,6 +43,8 @@ TimePoint LinuxSystemClock::FromText(const std::string& text)
 
 bool LinuxSystemClock::ToTimeval(const TimePoint& time, struct timeval& tv)
 {
+    if (IsNullReference(&tv))
+        FatalError(L"LinuxSystemClock: tv NULL reference.");
     Date date = time.GetDate();
     TimeDuration timeOfDay = time.GetTimeOfDay();
     if (date.GetKind() != KindFinite || timeOfDay.IsSpecial())

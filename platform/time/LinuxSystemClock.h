@@ -36,7 +36,7 @@ public:
     /// of day; tv_usec = the nanoseconds of its second / 1000 (truncated).
     /// False, with \p tv untouched, when the date or the time of day is a
     /// special value or tv_sec does not fit time_t (32 bits on ARM: after
-    /// 2038-01-19 03:14:07).
+    /// 2038-01-19 03:14:07). A null \p tv reference is fatal.
     static bool ToTimeval(const TimePoint& time, struct timeval& tv);
     /// Epoch() + TimeDuration(0, 0, tv_sec, tv_usec x 1000): the date and the
     /// time of day (0 to 24 h). Whole days are split off before the

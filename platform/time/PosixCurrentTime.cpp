@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PosixCurrentTime.h"
 
+#include "FatalError.h"
+
 namespace KivPlr {
 
 PosixCurrentTimespec::PosixCurrentTimespec(clockid_t clockId) : clockId(clockId)
@@ -9,6 +11,10 @@ PosixCurrentTimespec::PosixCurrentTimespec(clockid_t clockId) : clockId(clockId)
 
 int PosixCurrentTimespec::GetCurrentTime(struct timespec& now)
 {
+    // clock_gettime answers EFAULT for a bad address only when the kernel
+    // does the work; through the vDSO a null one is a crash.
+    if (IsNullReference(&now))
+        FatalError(L"PosixCurrentTimespec: now NULL reference.");
     return clock_gettime(clockId, &now);
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "PosixTimeOffsetCalculator.h"
 
+#include "FatalError.h"
+
 namespace KivPlr {
 
 namespace {
@@ -20,6 +22,8 @@ PosixTimespecOffsetCalculator::PosixTimespecOffsetCalculator(
 void PosixTimespecOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds,
                                                     struct timespec& deadline)
 {
+    if (IsNullReference(&deadline))
+        FatalError(L"PosixTimespecOffsetCalculator: deadline NULL reference.");
     struct timespec now = {};
     provider->GetCurrentTime(now);
     deadline = AddMilliseconds(now, timeoutMilliseconds);

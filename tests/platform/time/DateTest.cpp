@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "NullReference.h"
 #include "Date.h"
 #include "FatalMessage.h"
 
@@ -355,4 +356,19 @@ TEST(DateTest, TwoPositiveInfinitiesAreEqualAndNeitherIsLess)
     EXPECT_FALSE(first < second);
     EXPECT_FALSE(second < first);
     EXPECT_FALSE(first == Date(1970, 1, 1));
+}
+
+TEST(DateTest, GetYearMonthDayWithANullReferenceIsFatal)
+{
+    const Date date(2024, 2, 29);
+    std::int32_t year = 0, month = 0, day = 0;
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::int32_t>(
+                             [&](std::int32_t& none) { date.GetYearMonthDay(none, month, day); }),
+                         L"Date: year NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::int32_t>(
+                             [&](std::int32_t& none) { date.GetYearMonthDay(year, none, day); }),
+                         L"Date: month NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::int32_t>(
+                             [&](std::int32_t& none) { date.GetYearMonthDay(year, month, none); }),
+                         L"Date: day NULL reference.");
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "Iso8601Duration.h"
 
 #include <gtest/gtest.h>
@@ -349,4 +351,37 @@ TEST(Iso8601DurationTest, WrittenTextReadsBackAsTheNormalisedDuration)
         // And writing it again gives the same text.
         ASSERT_EQ(readBack.ToText(), text);
     }
+}
+
+TEST(Iso8601DurationTest, ANullResultReferenceIsFatalForEverySetterAndForReadAndWrite)
+{
+    typedef void (Iso8601Duration::*Setter)(float, _Result&);
+    const Setter setters[] = {&Iso8601Duration::SetYears, &Iso8601Duration::SetMonths,
+                              &Iso8601Duration::SetWeeks, &Iso8601Duration::SetDays,
+                              &Iso8601Duration::SetHours, &Iso8601Duration::SetMinutes,
+                              &Iso8601Duration::SetSeconds};
+    const wchar_t* const message = L"Iso8601Duration: result NULL reference.";
+    Iso8601Duration duration;
+    for (Setter setter : setters)
+        EXPECT_FATAL_MESSAGE(
+            KivTest::WithNullReference<_Result>([&](_Result& none) { (duration.*setter)(1.0f, none); }),
+            message);
+    std::ostringstream out;
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) { duration.Write(out, none); }),
+                         message);
+    std::istringstream in("P1D");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) { duration.Read(in, none); }),
+                         message);
+}
+
+TEST(Iso8601DurationTest, ANullStreamReferenceIsFatal)
+{
+    Iso8601Duration duration;
+    _Result result = ResultFail;
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<std::ostream>([&](std::ostream& none) { duration.Write(none, result); }),
+        L"Iso8601Duration: stream NULL reference.");
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<std::istream>([&](std::istream& none) { duration.Read(none, result); }),
+        L"Iso8601Duration: stream NULL reference.");
 }

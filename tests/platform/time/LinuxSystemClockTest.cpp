@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "Capabilities.h"
 #include "ChildProcess.h"
 #include "Epoch.h"
@@ -188,4 +190,30 @@ TEST(LinuxSystemClockTest, SetTimeWithoutTheRightToSetTheClockAnswers500)
     if (outcome.exitStatus == CapabilityNotDropped)
         GTEST_SKIP() << "could not drop CAP_SYS_TIME, so settimeofday was not called: " << outcome.standardOutput;
     EXPECT_EQ(outcome.exitStatus, SetRefused) << KivTest::Describe(outcome);
+}
+
+TEST(LinuxSystemClockTest, ANullTimePointReferenceIsFatal)
+{
+    SmartPtr<ISystemClock> clock(new LinuxSystemClock);
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<TimePoint>([&](TimePoint& none) { clock->GetTime(none); }),
+                         L"LinuxSystemClock: now NULL reference.");
+}
+
+TEST(LinuxSystemClockTest, SetTimeWithANullResultReferenceIsFatal)
+{
+    // A time that has no timeval: whatever the code does first, the clock
+    // cannot be set by this test.
+    SmartPtr<ISystemClock> clock(new LinuxSystemClock);
+    const TimePoint unsettable(Date(KindNegativeInfinity), TimeDuration(0, 0, 0, 0));
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<_Result>([&](_Result& none) { clock->SetTime(unsettable, none); }),
+        L"LinuxSystemClock: result NULL reference.");
+}
+
+TEST(LinuxSystemClockTest, ToTimevalWithANullTimevalReferenceIsFatal)
+{
+    const TimePoint time(Date(2000, 1, 1), TimeDuration(0, 0, 1, 0));
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<struct timeval>(
+                             [&](struct timeval& none) { LinuxSystemClock::ToTimeval(time, none); }),
+                         L"LinuxSystemClock: tv NULL reference.");
 }

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "PosixCurrentTime.h"
 #include "SmartPtr.h"
 
@@ -65,4 +67,12 @@ TEST(PosixCurrentTimespecTest, UnknownClockPassesBackMinusOneAndLeavesTheTimeAlo
     EXPECT_EQ(errno, EINVAL);
     EXPECT_EQ(now.tv_sec, 7);
     EXPECT_EQ(now.tv_nsec, 8);
+}
+
+TEST(PosixCurrentTimespecTest, ANullNowReferenceIsFatal)
+{
+    SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<struct timespec>(
+                             [&](struct timespec& none) { provider->GetCurrentTime(none); }),
+                         L"PosixCurrentTimespec: now NULL reference.");
 }

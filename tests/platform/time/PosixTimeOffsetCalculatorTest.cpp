@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "ChildProcess.h"
 #include "FakeTimeProvider.h"
 #include "PosixCurrentTime.h"
@@ -140,4 +142,13 @@ TEST(PosixTimespecOffsetCalculatorTest, EmptyProviderExitsSilently)
         new PosixTimespecOffsetCalculator(SmartPtr<IPosixTimespecProvider>()));
     struct timespec deadline;
     EXPECT_FATAL_SILENT(calculator->ComputeDeadline(10, deadline));
+}
+
+TEST(PosixTimespecOffsetCalculatorTest, ANullDeadlineReferenceIsFatal)
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(
+        new PosixTimespecOffsetCalculator(SmartPtr<IPosixTimespecProvider>(new FakeTimeProvider(10, 0))));
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<struct timespec>(
+                             [&](struct timespec& none) { calculator->ComputeDeadline(10, none); }),
+                         L"PosixTimespecOffsetCalculator: deadline NULL reference.");
 }
