@@ -30,6 +30,7 @@ public:
     /// reports success, when the thread was created; the thread then counts
     /// as started until a successful Join. Starting a thread that has started
     /// and was not joined reports ResultAlreadyStarted and creates nothing.
+    /// A null result reference is fatal.
     virtual bool Start(ThreadBody body, void* argument, _Result& result) = 0;
     /// Stores the name. ResultBadArgument without \p name; once started,
     /// ResultAlreadyStarted and the name is kept. Without a result reference
@@ -50,7 +51,8 @@ public:
     /// never started. A successful join makes the thread startable again.
     virtual bool Join() = 0;
     /// Yields the processor if the thread has started; ResultPass at once
-    /// otherwise. Without a result reference nothing happens.
+    /// otherwise. A null result reference is fatal (for a started thread,
+    /// after the yield, through the result converter).
     virtual void Yield(_Result& result) = 0;
     /// Asks a started thread to stop at its next cancellation point; ResultPass
     /// at once otherwise. Join it afterwards. Without a result reference

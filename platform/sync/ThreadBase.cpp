@@ -23,6 +23,12 @@ private:
     IThread& thread;
 };
 
+void CheckResultReference(_Result& result)
+{
+    if (IsNullReference(&result))
+        FatalError(L"ThreadBase: result NULL reference.");
+}
+
 } // namespace
 
 ThreadBase::ThreadBase(IThreadObserver* observer)
@@ -36,10 +42,12 @@ bool ThreadBase::Start(ThreadBody body, void* argument, _Result& result)
 {
     // A second start would overwrite the handle of a thread nobody joined.
     if (started) {
-        if (!IsNullReference(&result))
-            result = ResultAlreadyStarted;
+        CheckResultReference(result);
+        result = ResultAlreadyStarted;
         return false;
     }
+    // The implementation hands what it gets from the system through its
+    // result converter, which ends the process on a null result.
     StartImpl(body, argument, result);
     started = Succeeded(result);
     return started;
@@ -108,12 +116,15 @@ bool ThreadBase::Join()
 
 void ThreadBase::Yield(_Result& result)
 {
-    if (IsNullReference(&result))
-        return;
-    if (started)
+    // Unlike the setters, getters and Cancel, Yield has no "nothing happens
+    // without a result" rule: a null result is fatal. A started thread's
+    // implementation yields and its result converter ends the process.
+    if (started) {
         YieldImpl(result);
-    else
-        result = ResultPass;
+        return;
+    }
+    CheckResultReference(result);
+    result = ResultPass;
 }
 
 void ThreadBase::Cancel(_Result& result)

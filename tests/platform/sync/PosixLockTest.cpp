@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "NullReference.h"
 #include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixLock.h"
@@ -286,6 +287,71 @@ TEST(PosixLockFatalTest, TimedWaitWithoutACalculatorIsFatal)
     SmartPtr<ILock> lock(new PosixLock(nullptr, converter.Get()));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(10, result), L"SmartPtr<T>-> NULL reference");
+}
+
+namespace {
+
+// A lock whose waits time out at once (the fake calculator answers 1970) and
+// whose results go through the converter the platform gives its locks.
+SmartPtr<ILock> LockWithTheRealConverter()
+{
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    return SmartPtr<ILock>(new PosixLock(calculator.Get(), converter.Get()));
+}
+
+} // namespace
+
+TEST(PosixLockFatalTest, NotifyWithANullResultReferenceEndsThroughTheConverter)
+{
+    SmartPtr<ILock> lock = LockWithTheRealConverter();
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             lock->Lock();
+                             lock->NotifyOne(none);
+                         }),
+                         L"PosixResultPasFail: result NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             lock->Lock();
+                             lock->NotifyAll(none);
+                         }),
+                         L"PosixResultPasFail: result NULL reference.");
+}
+
+TEST(PosixLockFatalTest, TimedWaitWithANullResultReferenceEndsThroughTheConverter)
+{
+    SmartPtr<ILock> lock = LockWithTheRealConverter();
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             lock->Lock();
+                             lock->Wait(10, none);
+                         }),
+                         L"PosixResultPasFail: result NULL reference.");
+}
+
+TEST(PosixLockFatalTest, WaitWithANullResultReferenceEndsThroughTheConverterOnceWoken)
+{
+    // The wait without time-out returns only when woken, so a second thread
+    // notifies: it gets the mutex only once the wait has released it.
+    SmartPtr<ILock> lock = LockWithTheRealConverter();
+    auto notifyOnceWaiting = [&] {
+        std::thread([&] {
+            _Result notified = ResultFail;
+            lock->Lock();
+            lock->NotifyAll(notified);
+            lock->Unlock();
+        }).detach();
+    };
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             lock->Lock();
+                             notifyOnceWaiting();
+                             lock->Wait(none);
+                         }),
+                         L"PosixResultPasFail: result NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             lock->Lock();
+                             notifyOnceWaiting();
+                             lock->Wait(WaitForever, none);
+                         }),
+                         L"PosixResultPasFail: result NULL reference.");
 }
 
 TEST(PosixLockFatalTest, LockingWithoutHelpersNeedsNone)

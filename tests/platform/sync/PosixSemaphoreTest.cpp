@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "NullReference.h"
 #include "FakeTimeOffsetCalculator.h"
 #include "FatalMessage.h"
 #include "PosixResultPassFail.h"
@@ -127,6 +128,29 @@ TEST(PosixSemaphoreFatalTest, WaitsWithoutAConverterAreFatal)
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(semaphore->Wait(result), L"SmartPtr<T>-> NULL reference");
     EXPECT_FATAL_MESSAGE(semaphore->Wait(5, result), L"SmartPtr<T>-> NULL reference");
+}
+
+TEST(PosixSemaphoreFatalTest, WaitsWithANullResultReferenceEndThroughTheConverter)
+{
+    // One post first, so the waits without time-out return at once; the
+    // fake calculator's deadline is 1970, so the timed wait on an empty
+    // semaphore fails at once.
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+    SmartPtr<ISemaphore> semaphore(new PosixSemaphore(calculator.Get(), converter.Get()));
+    const wchar_t* const message = L"PosixResultPasFail: result NULL reference.";
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             semaphore->Post();
+                             semaphore->Wait(none);
+                         }),
+                         message);
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) {
+                             semaphore->Post();
+                             semaphore->Wait(WaitForever, none);
+                         }),
+                         message);
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) { semaphore->Wait(5, none); }),
+                         message);
 }
 
 TEST(PosixSemaphoreFatalTest, ATimedWaitWithoutACalculatorIsFatal)

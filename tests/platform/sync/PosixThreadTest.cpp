@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "NullReference.h"
 #include "FatalMessage.h"
 #include "LinuxPlatform.h"
 #include "PassiveThreadObserver.h"
@@ -345,6 +346,23 @@ TEST_F(PosixThreadTest, StartWithoutAPriorityConverterIsFatal)
     _Result result = ResultFail;
     EXPECT_FATAL_MESSAGE(thread->Start(&WaitOnSemaphore, nullptr, result),
                          L"SmartPtr<T>-> NULL reference");
+}
+
+TEST_F(PosixThreadTest, StartWithANullResultReferenceEndsThroughTheConverter)
+{
+    SmartPtr<IThread> thread = NewThread();
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>(
+                             [&](_Result& none) { thread->Start(&WaitOnSemaphore, &release, none); }),
+                         L"PosixResultPasFail: result NULL reference.");
+}
+
+TEST_F(PosixThreadTest, YieldOfAStartedThreadWithANullResultReferenceEndsThroughTheConverter)
+{
+    SmartPtr<IThread> thread = StartBlocked();
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) { thread->Yield(none); }),
+                         L"PosixResultPasFail: result NULL reference.");
+    sem_post(&release);
+    EXPECT_TRUE(thread->Join());
 }
 
 TEST_F(PosixThreadTest, ANullObserverIsFatal)

@@ -233,7 +233,6 @@ TEST_F(ThreadBaseTest, WithoutAResultReferenceTheGuardedOperationsDoNothing)
         thread->GetName(&name, none);
         thread->GetPriority(&priority, none);
         StartIt();
-        thread->Yield(none);
         thread->Cancel(none);
     });
     EXPECT_EQ(name, L"untouched");
@@ -244,6 +243,20 @@ TEST_F(ThreadBaseTest, WithoutAResultReferenceTheGuardedOperationsDoNothing)
     thread->GetPriority(&priority, result);
     EXPECT_EQ(name, L"");
     EXPECT_EQ(priority, 0);
+}
+
+TEST_F(ThreadBaseTest, YieldOfAThreadNotStartedWithANullResultReferenceIsFatal)
+{
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<_Result>([&](_Result& none) { thread->Yield(none); }),
+                         L"ThreadBase: result NULL reference.");
+}
+
+TEST_F(ThreadBaseTest, StartOfAStartedThreadWithANullResultReferenceIsFatal)
+{
+    StartIt();
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<_Result>([&](_Result& none) { thread->Start(&Nothing, nullptr, none); }),
+        L"ThreadBase: result NULL reference.");
 }
 
 TEST(ThreadBaseFatalTest, ANullObserverIsFatal)
