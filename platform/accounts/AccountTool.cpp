@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "AccountTool.h"
 
+#include "FatalError.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -50,6 +52,8 @@ _Result AccountTool::ResultOfStatus(int status)
 
 void AccountTool::ReadOutput(const char* commandLine, std::string& output)
 {
+    if (IsNullReference(&output))
+        FatalError(L"AccountTool: output NULL reference.");
     if (commandLine == nullptr)
         return;
     FILE* pipe = popen(commandLine, "r");

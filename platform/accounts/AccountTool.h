@@ -41,7 +41,8 @@ public:
     /// Runs \p commandLine with popen(..., "r") and appends everything it
     /// prints to \p output, read with fgets in pieces of at most
     /// OutputPieceSize bytes (a NUL byte inside a piece ends what is kept of
-    /// it). Nothing is appended when the command cannot be started.
+    /// it). Nothing is appended when the command cannot be started. A null
+    /// \p output reference is fatal, before anything runs.
     static void ReadOutput(const char* commandLine, std::string& output);
 
     /// Overwrites \p buffer with zero bytes over its length, in a way the

@@ -45,6 +45,7 @@ public:
                                         IResultConverter* resultConverter) = 0;
     /// Adds 1 to \p counter and returns the stored value. Not atomic: for
     /// counters that one thread owns. Wraps from INT32_MAX to INT32_MIN.
+    /// A null \p counter reference is fatal, here and in Decrement.
     virtual std::int32_t Increment(std::int32_t& counter) = 0;
     /// Subtracts 1 from \p counter and returns the stored value. Not atomic.
     /// Wraps from INT32_MIN to INT32_MAX.

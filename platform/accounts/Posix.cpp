@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "Posix.h"
 
+#include "FatalError.h"
+
 #include "PosixLock.h"
 #include "PosixSemaphore.h"
 #include "PosixSharedLock.h"
@@ -15,6 +17,8 @@ namespace {
 // overflowing.
 std::int32_t PlainStep(std::int32_t& counter, std::uint32_t step)
 {
+    if (IsNullReference(&counter))
+        FatalError(L"Posix: counter NULL reference.");
     std::uint32_t value = static_cast<std::uint32_t>(counter);
     counter = static_cast<std::int32_t>(value + step);
     return counter;

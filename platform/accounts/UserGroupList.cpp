@@ -2,11 +2,25 @@
 #include "UserGroupList.h"
 
 #include "AccountTool.h"
+#include "FatalError.h"
 
 namespace KivPlr {
 
+namespace {
+
+void CheckGroupsReference(std::vector<std::string>& groups)
+{
+    if (IsNullReference(&groups))
+        FatalError(L"UserGroupList: groups NULL reference.");
+}
+
+} // namespace
+
 void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<std::string>& groups)
 {
+    // Before the shell runs: a call with nowhere to put the names is a
+    // programming error, not a reason to start "id".
+    CheckGroupsReference(groups);
     if (userName == nullptr)
         return;
     std::string commandLine = std::string("id -nG ") + userName;
@@ -18,6 +32,7 @@ void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<st
 void UserGroupList::Split(const std::string& output, const char* userName, OwnGroup ownGroup,
                           std::vector<std::string>& groups)
 {
+    CheckGroupsReference(groups);
     std::string::size_type start = 0;
     while (start < output.size()) {
         std::string::size_type end = output.find_first_of(" \n", start);

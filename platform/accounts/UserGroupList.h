@@ -3,7 +3,8 @@
 //
 // User::GetGroups and UserGroup::RemoveUser read a user's groups by running
 // "id -nG <user>" and splitting its output into names. Stateless; any
-// thread may call it (each call blocks while its shell runs).
+// thread may call it (each call blocks while its shell runs). A null
+// \p groups reference ends the process (FatalError).
 //
 //   std::vector<std::string> groups;
 //   UserGroupList::Read("operator", UserGroupList::KeepOwnGroup, groups);

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "RecordingShellTools.h"
 #include "AccountTool.h"
 
@@ -103,6 +105,16 @@ TEST(AccountToolTest, ReadOutputOfNullLineAppendsNothing)
     std::string output = "x";
     AccountTool::ReadOutput(nullptr, output);
     EXPECT_EQ(output, "x");
+}
+
+TEST(AccountToolTest, ReadOutputWithANullOutputReferenceIsFatalAndRunsNothing)
+{
+    RecordingShellTools tools;
+    tools.Install("id", 0, "root\n");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<std::string>(
+                             [](std::string& none) { AccountTool::ReadOutput("id -nG root", none); }),
+                         L"AccountTool: output NULL reference.");
+    EXPECT_TRUE(tools.Calls().empty());
 }
 
 TEST(AccountToolTest, WipeOverwritesEveryByteOfTheLine)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "FakeTimeOffsetCalculator.h"
 #include "PassiveThreadObserver.h"
 #include "Posix.h"
@@ -133,4 +135,14 @@ TEST_F(PosixTest, CountersStepOnePerCallInOneThread)
     for (int step = 0; step < 300; ++step)
         posix->Decrement(counter);
     EXPECT_EQ(counter, 700);
+}
+
+TEST_F(PosixTest, ANullCounterReferenceIsFatal)
+{
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<std::int32_t>([&](std::int32_t& none) { posix->Increment(none); }),
+        L"Posix: counter NULL reference.");
+    EXPECT_FATAL_MESSAGE(
+        KivTest::WithNullReference<std::int32_t>([&](std::int32_t& none) { posix->Decrement(none); }),
+        L"Posix: counter NULL reference.");
 }

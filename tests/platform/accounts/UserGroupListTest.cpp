@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
+#include "NullReference.h"
 #include "RecordingShellTools.h"
 #include "UserGroupList.h"
 
@@ -85,4 +87,20 @@ TEST(UserGroupListTest, ReadOfANullNameRunsNothing)
     UserGroupList::Read(nullptr, UserGroupList::KeepOwnGroup, groups);
     EXPECT_TRUE(tools.Calls().empty());
     EXPECT_TRUE(groups.empty());
+}
+
+TEST(UserGroupListTest, ANullGroupsReferenceIsFatalAndRunsNothing)
+{
+    RecordingShellTools tools;
+    tools.Install("id", 0, "alice video\n");
+    typedef std::vector<std::string> Groups;
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Groups>([](Groups& none) {
+                             UserGroupList::Read("alice", UserGroupList::KeepOwnGroup, none);
+                         }),
+                         L"UserGroupList: groups NULL reference.");
+    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Groups>([](Groups& none) {
+                             UserGroupList::Split("alice video\n", "alice", UserGroupList::KeepOwnGroup, none);
+                         }),
+                         L"UserGroupList: groups NULL reference.");
+    EXPECT_TRUE(tools.Calls().empty());
 }

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
 #include "ChildProcess.h"
 #include "InnerTest.h"
 #include "MountNamespace.h"
@@ -216,10 +217,17 @@ TEST_F(UserGroupTest, NullArgumentsGiveFailAndRunNothing)
     EXPECT_TRUE(tools.Calls().empty());
 }
 
-TEST_F(UserGroupTest, NullResultReferenceEndsTheProcessSilently)
+TEST_F(UserGroupTest, EveryOperationWithANullResultReferenceIsFatalAndRunsNothing)
 {
-    tools.Install("groupadd", 0);
-    EXPECT_FATAL_SILENT(group->Add("video", NullResultReference()));
+    for (const char* tool : {"usermod", "groupadd", "groupdel", "id"})
+        tools.Install(tool, 0, "alice video audio\n");
+    std::vector<std::string> members;
+    const wchar_t* const message = L"UserGroup: result NULL reference.";
+    EXPECT_FATAL_MESSAGE(group->AddUser("alice", "video", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(group->Add("video", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(group->Delete("video", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(group->GetMembers("video", members, NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(group->RemoveUser("alice", "video", NullResultReference()), message);
     EXPECT_TRUE(tools.Calls().empty());
 }
 

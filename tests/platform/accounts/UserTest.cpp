@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "FatalMessage.h"
 #include "ChildProcess.h"
 #include "ExclusiveFileLock.h"
 #include "Emulation.h"
@@ -406,11 +407,18 @@ TEST_F(UserTest, NullArgumentsGiveFailAndRunNothing)
     EXPECT_TRUE(groups.empty());
 }
 
-TEST_F(UserTest, NullResultReferenceEndsTheProcessSilently)
+TEST_F(UserTest, EveryOperationWithANullResultReferenceIsFatalAndRunsNothing)
 {
-    tools.Install("userdel", 0);
+    for (const char* tool : {"useradd", "userdel", "id"})
+        tools.Install(tool, 0, "alice video\n");
     SmartPtr<IUser> user(new User);
-    EXPECT_FATAL_SILENT(user->Delete("alice", NullResultReference()));
+    std::vector<std::string> groups;
+    const wchar_t* const message = L"User: result NULL reference.";
+    EXPECT_FATAL_MESSAGE(user->Authenticate("alice", "Secret12", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(user->Add("alice", "Secret12", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(user->Delete("alice", NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(user->GetGroups("alice", groups, NullResultReference()), message);
+    EXPECT_FATAL_MESSAGE(user->SetPassword("alice", "Secret12", NullResultReference()), message);
     EXPECT_TRUE(tools.Calls().empty());
 }
 
