@@ -5,14 +5,18 @@
 //   discovery-check config DIR          DIR/configuration.xml
 //   discovery-check status FILE         a status snapshot
 //   discovery-check description FILE    a service description file
+//   discovery-check summary FILE        what a description publishes, decoded
 //   discovery-check --help | --version  usage or version on standard output
 //
 // Exit status: 0 when the file loaded (or for --help and --version), 1 when
 // it did not (the faults go to standard error), 2 on a wrong command line.
+// A summary whose metadata does not follow the publisher's layout shows what
+// it could read and exits with 1.
 
 #include "CConfig.h"
 #include "CStatus.h"
 #include "DescriptionReader.h"
+#include "PublishedMetadata.h"
 
 #include <cstdio>
 #include <cstring>
@@ -146,12 +150,83 @@ int CheckDescription(const char* file)
     return kExitLoaded;
 }
 
+/// A published value as the summary shows it: "none" when empty, quoted
+/// when it holds spaces, quotes, commas or anything unprintable.
+std::string Shown(const std::string& value)
+{
+    if (value.empty())
+        return "none";
+    for (char current : value) {
+        unsigned char byte = static_cast<unsigned char>(current);
+        if (byte <= 0x20 || byte == 0x7F || current == '"' || current == '\\' || current == ',')
+            return Quote(value);
+    }
+    return value;
+}
+
+/// The status snapshot's element behind each published interface item.
+const char* SnapshotElement(const std::string& item)
+{
+    if (item == "Name")
+        return "name";
+    if (item == "MAC")
+        return "mac";
+    if (item == "IPv4")
+        return "ipv4";
+    if (item == "IPv6")
+        return "ipv6";
+    if (item == "Gateway")
+        return "gateway";
+    return "subnet";
+}
+
+int SummariseDescription(const char* file)
+{
+    KivDiscoveryClient::DescriptionReader reader;
+    if (!reader.Load(file))
+        return ReportFaults(reader.ErrorMessages());
+    KivCheck::PublishedMetadata metadata = KivCheck::PublishedMetadata::Decode(reader.MetaData());
+    std::printf("summary of %s\n", file);
+    Field("management port", std::to_string(reader.Port()));
+    Field("description", Quote(metadata.description));
+    Field("time zone", Quote(metadata.timeZone));
+    Field("computer name", Quote(metadata.computerName));
+    Field("product family", Shown(metadata.productFamily));
+    Field("interfaces", std::to_string(metadata.interfaces.size()));
+    for (const KivCheck::PublishedMetadata::Interface& interface : metadata.interfaces)
+        std::printf("    %s (number %s): MAC %s, IPv4 %s, subnet %s, gateway %s, IPv6 %s\n",
+                    Shown(interface.name).c_str(), interface.number.c_str(), Shown(interface.mac).c_str(),
+                    Shown(interface.ipv4).c_str(), Shown(interface.subnet).c_str(), Shown(interface.gateway).c_str(),
+                    Shown(interface.ipv6).c_str());
+    if (metadata.networkCut) {
+        std::string interface = "interface number " + metadata.cutNumber;
+        if (metadata.cutItem != "Name")
+            interface += " (" + Shown(metadata.cutName) + ")";
+        std::printf("  network list cut short: it stops in %s, right after <%s>\n", interface.c_str(),
+                    metadata.cutItem.c_str());
+        std::printf("    why: the status snapshot has no <%s> element for that interface (missing, not empty);\n"
+                    "    the list ends at the first missing value, so that interface and any after it are not "
+                    "published\n",
+                    SnapshotElement(metadata.cutItem));
+    }
+    Field("outputs", std::to_string(metadata.outputs.size()));
+    for (const KivCheck::PublishedMetadata::Output& output : metadata.outputs)
+        std::printf("    output %s: rows %s, columns %s\n", output.number.c_str(), output.rows.c_str(),
+                    output.columns.c_str());
+    if (!metadata.problem.empty()) {
+        std::fprintf(stderr, "%s: metadata not in the publisher's layout at %s\n", file, metadata.problem.c_str());
+        return kExitFaults;
+    }
+    return kExitLoaded;
+}
+
 void PrintUsage(FILE* stream)
 {
     std::fprintf(stream,
                  "usage: discovery-check config DIR\n"
                  "       discovery-check status FILE\n"
                  "       discovery-check description FILE\n"
+                 "       discovery-check summary FILE\n"
                  "       discovery-check --help | --version\n");
 }
 
@@ -182,5 +257,7 @@ int main(int argc, char** argv)
         return CheckStatus(argv[2]);
     if (std::strcmp(argv[1], "description") == 0)
         return CheckDescription(argv[2]);
+    if (std::strcmp(argv[1], "summary") == 0)
+        return SummariseDescription(argv[2]);
     return Usage();
 }

@@ -7,7 +7,8 @@
 // addresses first, then a veth pair, one end with IPv4, IPv6 and a default
 // route), covers /home, /var/lib, /dev/shm, /usr/local/sbin and
 // /sys/class/drm with tmpfs, installs the collector where the daemon runs it,
-// and stops the daemon once the first description is published.
+// and stops the daemon once the first description is published. The summary
+// of "discovery-check summary" then names every interface too.
 
 #include "ChildProcess.h"
 #include "DescriptionReader.h"
@@ -16,6 +17,7 @@
 #include "ShellCommand.h"
 #include "TemporaryDirectory.h"
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -135,6 +137,21 @@ void RunOneCycle(const std::string& work)
     KivTest::WriteFile(work + "/description", description);
 }
 
+/// Whether \p summary has the line "    <name> (number N): <rest>" for any N.
+bool HasInterfaceLine(const std::string& summary, const std::string& name, const std::string& rest)
+{
+    std::istringstream lines(summary);
+    std::string line;
+    const std::string start = "    " + name + " (number ";
+    const std::string end = "): " + rest;
+    while (std::getline(lines, line)) {
+        if (line.rfind(start, 0) == 0 && line.size() >= start.size() + end.size() &&
+            line.compare(line.size() - end.size(), end.size(), end) == 0)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHideTheOnesAfterIt)
@@ -182,4 +199,21 @@ TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHid
               std::string::npos)
         << metadata;
     EXPECT_EQ(reader.Port(), 8080);
+
+    // The summary that scripts/run prints names every interface.
+    KivTest::ChildOutcome summary =
+        KivTest::RunShellCommand(ShellQuote(KIV_DISCOVERY_CHECK_PROGRAM) + " summary " + ShellQuote(file));
+    EXPECT_EQ(summary.exitStatus, 0) << KivTest::Describe(summary);
+    std::string expected = ReadFile(work.Path() + "/expected");
+    long interfaces = std::count(expected.begin(), expected.end(), '\n');
+    EXPECT_NE(summary.standardOutput.find("  interfaces: " + std::to_string(interfaces) + "\n"), std::string::npos)
+        << summary.standardOutput;
+    EXPECT_TRUE(HasInterfaceLine(summary.standardOutput, "k0",
+                                 "MAC 02:00:00:00:00:01, IPv4 none, subnet none, gateway none, IPv6 none"))
+        << summary.standardOutput;
+    EXPECT_TRUE(HasInterfaceLine(summary.standardOutput, "v0",
+                                 "MAC 02:00:00:00:00:02, IPv4 192.0.2.10, subnet 255.255.255.0, gateway 192.0.2.1, "
+                                 "IPv6 2001:db8::10"))
+        << summary.standardOutput;
+    EXPECT_EQ(summary.standardOutput.find("cut short"), std::string::npos) << summary.standardOutput;
 }

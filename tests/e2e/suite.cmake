@@ -6,8 +6,9 @@
 
 if(TARGET discoveryd)
     kiv_add_test_suite(discoveryd_e2e_tests e2e LIBRARIES kivdiscoveryclient)
-    add_dependencies(discoveryd_e2e_tests discoveryd statuscollector)
+    add_dependencies(discoveryd_e2e_tests discoveryd statuscollector discovery-check)
     target_compile_definitions(discoveryd_e2e_tests PRIVATE
         KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>"
-        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>")
+        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>"
+        KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>")
 endif()

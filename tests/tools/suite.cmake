@@ -10,7 +10,7 @@ if(TARGET statuscollector_tests)
         KIV_PROJECT_VERSION="${PROJECT_VERSION}")
 endif()
 
-kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient)
+kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient kiv_discovery_check)
 if(TARGET discovery_check_tests)
     add_dependencies(discovery_check_tests discovery-check)
     target_compile_definitions(discovery_check_tests PRIVATE

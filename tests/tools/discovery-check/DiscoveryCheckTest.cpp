@@ -5,6 +5,7 @@
 #include "BadRecordFiles.h"
 #include "Discovery.h"
 #include "Emulation.h"
+#include "PublishedMetadataText.h"
 #include "ShellCommand.h"
 #include "TemporaryDirectory.h"
 #include "WorkingDirectoryGuard.h"
@@ -31,6 +32,19 @@ protected:
     ChildOutcome Check(const std::string& kind, const std::string& path)
     {
         return Run(kind + " " + KivTest::ShellQuote(path));
+    }
+
+    /// Writes Management.xml with port 8080 and \p metadata, as the
+    /// publisher does; answers its path.
+    std::string Publish(const std::string& metadata)
+    {
+        KivDiscoveryClient::Discovery description("Management");
+        description.AddType("cpp:Management");
+        description.SetPort(8080);
+        description.SetMetaData(metadata);
+        KivTest::WorkingDirectoryGuard enter(directory.Path());
+        EXPECT_TRUE(description.WriteToFile()) << description.ErrorMessage();
+        return directory.Path() + "/Management.xml";
     }
 
     TemporaryDirectory directory;
@@ -164,9 +178,13 @@ TEST_F(DiscoveryCheckTest, BadDescriptionFileIsReportedWithItsPosition)
 {
     std::string file = directory.Path() + "/Management.xml";
     ASSERT_TRUE(WriteFile(file, "<service name=\"Management\">\n  <port>80</port>\n  <port>81</port>\n</service>\n"));
-    ChildOutcome outcome = Check("description", file);
-    EXPECT_EQ(outcome.exitStatus, 1);
-    EXPECT_EQ(outcome.standardError, file + ":3:3: element port of service is given twice (first at 2:3)\n");
+    for (const char* command : {"description", "summary"}) {
+        ChildOutcome outcome = Check(command, file);
+        EXPECT_EQ(outcome.exitStatus, 1) << command;
+        EXPECT_EQ(outcome.standardOutput, "") << command;
+        EXPECT_EQ(outcome.standardError, file + ":3:3: element port of service is given twice (first at 2:3)\n")
+            << command;
+    }
 }
 
 TEST_F(DiscoveryCheckTest, MissingFilesAreReported)
@@ -191,4 +209,70 @@ TEST_F(DiscoveryCheckTest, WrongCommandLinePrintsUsageAndExitsWithTwo)
         EXPECT_EQ(outcome.standardOutput, "");
         EXPECT_EQ(outcome.standardError.compare(0, 30, "usage: discovery-check config "), 0) << outcome.standardError;
     }
+}
+
+TEST_F(DiscoveryCheckTest, SummaryShowsThePortEveryInterfaceWithItsAddressesAndTheOutputs)
+{
+    std::string file = Publish(KivTest::PublishedText(
+        KivTest::DeviceText("2", {"ifb0", "02:00:00:00:00:01", "", "", "", ""}) +
+            KivTest::DeviceText("4", {"eth0", "02:00:00:00:00:02", "192.0.2.10", "2001:db8::10", "192.0.2.1",
+                                      "255.255.255.0"}),
+        KivTest::OutputText("1", "1", "1")));
+    ChildOutcome outcome = Check("summary", file);
+    EXPECT_EQ(outcome.exitStatus, 0) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardError, "");
+    EXPECT_EQ(outcome.standardOutput,
+              "summary of " + file + "\n"
+              "  management port: 8080\n"
+              "  description: \"Wall left\"\n"
+              "  time zone: \"UTC\"\n"
+              "  computer name: \"unit-1\"\n"
+              "  product family: TRX-7250\n"
+              "  interfaces: 2\n"
+              "    ifb0 (number 2): MAC 02:00:00:00:00:01, IPv4 none, subnet none, gateway none, IPv6 none\n"
+              "    eth0 (number 4): MAC 02:00:00:00:00:02, IPv4 192.0.2.10, subnet 255.255.255.0, gateway 192.0.2.1, "
+              "IPv6 2001:db8::10\n"
+              "  outputs: 1\n"
+              "    output 1: rows 1, columns 1\n");
+}
+
+TEST_F(DiscoveryCheckTest, SummarySaysWhereAndWhyTheNetworkListWasCut)
+{
+    std::string file = Publish(KivTest::PublishedText(
+        KivTest::DeviceText("4", {"eth0", "02:00:00:00:00:02", "192.0.2.10", "", "", "255.255.255.0"}) +
+            KivTest::CutDeviceText("7", {"tun0", "", "", "", "", ""}, "IPv4"),
+        "", true));
+    ChildOutcome outcome = Check("summary", file);
+    EXPECT_EQ(outcome.exitStatus, 0) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardOutput.substr(outcome.standardOutput.find("  interfaces:")),
+              "  interfaces: 1\n"
+              "    eth0 (number 4): MAC 02:00:00:00:00:02, IPv4 192.0.2.10, subnet 255.255.255.0, gateway none, "
+              "IPv6 none\n"
+              "  network list cut short: it stops in interface number 7 (tun0), right after <IPv4>\n"
+              "    why: the status snapshot has no <ipv4> element for that interface (missing, not empty);\n"
+              "    the list ends at the first missing value, so that interface and any after it are not published\n"
+              "  outputs: 0\n");
+}
+
+TEST_F(DiscoveryCheckTest, SummaryQuotesOddValues)
+{
+    std::string file = Publish(KivTest::PublishedText(
+        KivTest::DeviceText("3", {"my if", "", "a,b", "", "", ""}), ""));
+    ChildOutcome outcome = Check("summary", file);
+    EXPECT_EQ(outcome.exitStatus, 0) << KivTest::Describe(outcome);
+    EXPECT_NE(outcome.standardOutput.find("    \"my if\" (number 3): MAC none, IPv4 \"a,b\", subnet none"),
+              std::string::npos)
+        << outcome.standardOutput;
+}
+
+TEST_F(DiscoveryCheckTest, SummaryOfMetadataOutsideThePublishersLayoutShowsWhatItReadAndFails)
+{
+    std::string file = Publish("<cpp:Config><Description>D</Description><Zone>");
+    ChildOutcome outcome = Check("summary", file);
+    EXPECT_EQ(outcome.exitStatus, 1) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardOutput.rfind("summary of " + file + "\n  management port: 8080\n", 0), 0u)
+        << outcome.standardOutput;
+    EXPECT_EQ(outcome.standardError,
+              file + ": metadata not in the publisher's layout at byte 25: no </Description><TimeZone> after "
+                     "<Description>\n");
 }
