@@ -32,7 +32,8 @@ public:
     /// when PAM cannot start or a name or the password is null.
     void Authenticate(const char* userName, const char* password, _Result& result) override;
     /// Runs "useradd <user> -p <hash>" with the hash of HashPassword. A null
-    /// hash (or a null argument) gives 500 and runs nothing. The hash's work
+    /// hash, a null argument or no memory for the hash's work area gives 500
+    /// and runs nothing. The hash's work
     /// area is overwritten with zero bytes before the tool runs, the command
     /// line before it is freed.
     void Add(const char* userName, const char* password, _Result& result) override;
