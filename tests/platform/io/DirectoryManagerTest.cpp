@@ -24,6 +24,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -149,6 +150,14 @@ void RecordWorkingDirectory()
     WriteFile(workingDirectoryRecord, CurrentDirectory());
 }
 
+// Uncovers the real /proc as a test child exits. The sanitizer build's leak
+// check runs at exit too, after this handler (exit handlers run newest
+// first), and cannot work without /proc.
+void UncoverProc()
+{
+    umount2("/proc", MNT_DETACH);
+}
+
 // In a test child: a private mount namespace with an empty /proc, where
 // readlink("/proc/self/exe") fails. Exits with 2 when that cannot be made.
 void EnterNamespaceWithoutProc()
@@ -158,6 +167,7 @@ void EnterNamespaceWithoutProc()
         std::fputs(fault.c_str(), stderr);
         _exit(2);
     }
+    std::atexit(UncoverProc);
 }
 
 class DirectoryManagerTest : public ::testing::Test

@@ -21,7 +21,7 @@ namespace {
 
 KIV_NULL_REFERENCE(NullResult, _Result)
 KIV_NULL_REFERENCE(NullLog, SmartPtr<ILog>)
-KIV_NULL_REFERENCE(NullIdentity, std::string)
+KIV_NULL_REFERENCE(NullIdentity, const std::string)
 
 // Syslog facility codes as they appear in the priority number (facility * 8).
 constexpr int User = 8;
