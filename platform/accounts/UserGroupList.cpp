@@ -8,9 +8,11 @@ namespace KivPlr {
 
 namespace {
 
-void CheckGroupsReference(std::vector<std::string>& groups)
+// Takes the address: passing the reference on would bind a new reference to
+// the null address.
+void CheckGroupsReference(const std::vector<std::string>* groups)
 {
-    if (IsNullReference(&groups))
+    if (IsNullReference(groups))
         FatalError(L"UserGroupList: groups NULL reference.");
 }
 
@@ -20,7 +22,7 @@ void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<st
 {
     // Before the shell runs: a call with nowhere to put the names is a
     // programming error, not a reason to start "id".
-    CheckGroupsReference(groups);
+    CheckGroupsReference(&groups);
     if (userName == nullptr)
         return;
     std::string commandLine = std::string("id -nG ") + userName;
@@ -32,7 +34,7 @@ void UserGroupList::Read(const char* userName, OwnGroup ownGroup, std::vector<st
 void UserGroupList::Split(const std::string& output, const char* userName, OwnGroup ownGroup,
                           std::vector<std::string>& groups)
 {
-    CheckGroupsReference(groups);
+    CheckGroupsReference(&groups);
     std::string::size_type start = 0;
     while (start < output.size()) {
         std::string::size_type end = output.find_first_of(" \n", start);

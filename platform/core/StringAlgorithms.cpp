@@ -24,18 +24,19 @@ int DigitValue(char character)
     return -1;
 }
 
-// Every operation here writes through its one reference parameter.
+// Every operation here writes through its one reference parameter. The
+// helper takes its address: passing the reference itself on would bind a
+// new reference to the null address.
 template <typename Written>
-void CheckReference(Written& written, const wchar_t* message)
+void CheckReference(const Written* written, const wchar_t* message)
 {
-    if (IsNullReference(&written))
+    if (IsNullReference(written))
         FatalError(message);
 }
 
 template <typename Character>
 void TrimWithFacet(std::basic_string<Character>& text)
 {
-    CheckReference(text, L"StringAlgorithms: text NULL reference.");
     const std::ctype<Character>& facet = std::use_facet<std::ctype<Character>>(std::locale());
     typename std::basic_string<Character>::size_type end = text.size();
     while (end > 0 && facet.is(std::ctype_base::space, text[end - 1]))
@@ -51,7 +52,7 @@ void TrimWithFacet(std::basic_string<Character>& text)
 
 void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes)
 {
-    CheckReference(bytes, L"StringAlgorithms: bytes NULL reference.");
+    CheckReference(&bytes, L"StringAlgorithms: bytes NULL reference.");
     bytes.assign(hex.size() / 2 + hex.size() % 2, 0);
     std::string::size_type digitIndex = 0;
     for (char character : hex) {
@@ -67,7 +68,7 @@ void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes)
 void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex)
 {
     static const char digits[] = "0123456789abcdef";
-    CheckReference(hex, L"StringAlgorithms: hex NULL reference.");
+    CheckReference(&hex, L"StringAlgorithms: hex NULL reference.");
     hex.clear();
     hex.reserve(bytes.size() * 2);
     for (unsigned char byte : bytes) {
@@ -78,39 +79,41 @@ void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex)
 
 void ToUpper(std::string& text)
 {
-    CheckReference(text, L"StringAlgorithms: text NULL reference.");
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     for (char& character : text)
         character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
 }
 
 void ToLower(std::string& text)
 {
-    CheckReference(text, L"StringAlgorithms: text NULL reference.");
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     for (char& character : text)
         character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
 }
 
 void ToUpper(std::wstring& text)
 {
-    CheckReference(text, L"StringAlgorithms: text NULL reference.");
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     for (wchar_t& character : text)
         character = static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(character)));
 }
 
 void ToLower(std::wstring& text)
 {
-    CheckReference(text, L"StringAlgorithms: text NULL reference.");
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     for (wchar_t& character : text)
         character = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
 }
 
 void Trim(std::string& text)
 {
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     TrimWithFacet(text);
 }
 
 void Trim(std::wstring& text)
 {
+    CheckReference(&text, L"StringAlgorithms: text NULL reference.");
     TrimWithFacet(text);
 }
 

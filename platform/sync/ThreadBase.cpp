@@ -23,9 +23,9 @@ private:
     IThread& thread;
 };
 
-void CheckResultReference(_Result& result)
+void CheckResultReference(const _Result* result)
 {
-    if (IsNullReference(&result))
+    if (IsNullReference(result))
         FatalError(L"ThreadBase: result NULL reference.");
 }
 
@@ -42,7 +42,7 @@ bool ThreadBase::Start(ThreadBody body, void* argument, _Result& result)
 {
     // A second start would overwrite the handle of a thread nobody joined.
     if (started) {
-        CheckResultReference(result);
+        CheckResultReference(&result);
         result = ResultAlreadyStarted;
         return false;
     }
@@ -123,7 +123,7 @@ void ThreadBase::Yield(_Result& result)
         YieldImpl(result);
         return;
     }
-    CheckResultReference(result);
+    CheckResultReference(&result);
     result = ResultPass;
 }
 

@@ -33,18 +33,20 @@ std::string FormatValue(float value, std::int32_t precision)
     return text;
 }
 
-void CheckResultReference(_Result& result)
+// The helpers take addresses: passing a reference on would bind a new
+// reference to the null address.
+void CheckResultReference(const _Result* result)
 {
-    if (IsNullReference(&result))
+    if (IsNullReference(result))
         FatalError(L"Iso8601Duration: result NULL reference.");
 }
 
 // The stream's own type: converting to its virtual base std::ios would
 // already read through the null address.
 template <typename Stream>
-void CheckStreamReference(Stream& stream)
+void CheckStreamReference(const Stream* stream)
 {
-    if (IsNullReference(&stream))
+    if (IsNullReference(stream))
         FatalError(L"Iso8601Duration: stream NULL reference.");
 }
 
@@ -63,7 +65,7 @@ Iso8601Duration::~Iso8601Duration() = default;
 
 void Iso8601Duration::SetComponent(Component component, float value, _Result& result)
 {
-    CheckResultReference(result);
+    CheckResultReference(&result);
     if (Compare(value, 0.0f) <= 0) {
         result = ResultOutOfRange;
         return;
@@ -194,8 +196,8 @@ void Iso8601Duration::Normalise()
 
 void Iso8601Duration::Write(std::ostream& stream, _Result& result) const
 {
-    CheckResultReference(result);
-    CheckStreamReference(stream);
+    CheckResultReference(&result);
+    CheckStreamReference(&stream);
     stream << ToText();
     result = stream.fail() ? ResultFail : ResultPass;
 }
@@ -253,8 +255,8 @@ void Iso8601Duration::Read(std::istream& stream, _Result& result)
 {
     static const Component DateComponents[] = {Years, Months, Weeks, Days};
     static const Component TimeComponents[] = {Hours, Minutes, Seconds};
-    CheckResultReference(result);
-    CheckStreamReference(stream);
+    CheckResultReference(&result);
+    CheckStreamReference(&stream);
     Iso8601Duration candidate(*this);
     candidate.Clear();
     if (stream.get() != 'P') {

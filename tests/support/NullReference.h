@@ -27,6 +27,16 @@
 //       thread->SetName(&name, none);
 //       thread->Yield(none);
 //   });
+//
+// For some calls (seen with std::vector parameters of free and static
+// functions) g++ checks the reference at the call site all the same. Make
+// that call in a plain function marked no_sanitize("undefined") instead:
+//
+//   __attribute__((no_sanitize("undefined"))) void ReadIntoANullVector()
+//   {
+//       UserGroupList::Read("alice", UserGroupList::KeepOwnGroup,
+//                           KivTest::NullReference<std::vector<std::string>>());
+//   }
 #ifndef KIV_TESTS_NULLREFERENCE_H
 #define KIV_TESTS_NULLREFERENCE_H
 

@@ -89,18 +89,30 @@ TEST(UserGroupListTest, ReadOfANullNameRunsNothing)
     EXPECT_TRUE(groups.empty());
 }
 
+namespace {
+
+typedef std::vector<std::string> Groups;
+
+// Functions the sanitizer leaves alone (see NullReference.h): g++ checks a
+// null vector reference where these calls bind it, before the code under
+// test can.
+__attribute__((no_sanitize("undefined"))) void ReadIntoANullVector()
+{
+    UserGroupList::Read("alice", UserGroupList::KeepOwnGroup, KivTest::NullReference<Groups>());
+}
+
+__attribute__((no_sanitize("undefined"))) void SplitIntoANullVector()
+{
+    UserGroupList::Split("alice video\n", "alice", UserGroupList::KeepOwnGroup, KivTest::NullReference<Groups>());
+}
+
+} // namespace
+
 TEST(UserGroupListTest, ANullGroupsReferenceIsFatalAndRunsNothing)
 {
     RecordingShellTools tools;
     tools.Install("id", 0, "alice video\n");
-    typedef std::vector<std::string> Groups;
-    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Groups>([](Groups& none) {
-                             UserGroupList::Read("alice", UserGroupList::KeepOwnGroup, none);
-                         }),
-                         L"UserGroupList: groups NULL reference.");
-    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Groups>([](Groups& none) {
-                             UserGroupList::Split("alice video\n", "alice", UserGroupList::KeepOwnGroup, none);
-                         }),
-                         L"UserGroupList: groups NULL reference.");
+    EXPECT_FATAL_MESSAGE(ReadIntoANullVector(), L"UserGroupList: groups NULL reference.");
+    EXPECT_FATAL_MESSAGE(SplitIntoANullVector(), L"UserGroupList: groups NULL reference.");
     EXPECT_TRUE(tools.Calls().empty());
 }

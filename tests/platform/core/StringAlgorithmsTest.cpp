@@ -270,11 +270,20 @@ TEST(StringAlgorithmsTest, WideTrimFollowsTheGlobalLocale)
     EXPECT_EQ(text, L"a*b");
 }
 
+namespace {
+
+// A function the sanitizer leaves alone (see NullReference.h): g++ checks a
+// null vector reference where this call binds it, before ToPackedU8 can.
+__attribute__((no_sanitize("undefined"))) void PackIntoANullVector()
+{
+    StringAlgorithms::ToPackedU8("dead", KivTest::NullReference<Bytes>());
+}
+
+} // namespace
+
 TEST(StringAlgorithmsTest, ANullBytesReferenceIsFatal)
 {
-    EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<Bytes>(
-                             [](Bytes& none) { StringAlgorithms::ToPackedU8("dead", none); }),
-                         L"StringAlgorithms: bytes NULL reference.");
+    EXPECT_FATAL_MESSAGE(PackIntoANullVector(), L"StringAlgorithms: bytes NULL reference.");
 }
 
 TEST(StringAlgorithmsTest, ANullHexReferenceIsFatal)
