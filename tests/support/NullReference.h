@@ -25,7 +25,7 @@
 //
 //   KivTest::WithNullReference<_Result>([&](_Result& none) {
 //       thread->SetName(&name, none);
-//       thread->Yield(none);
+//       thread->Cancel(none);
 //   });
 //
 // For some calls (seen with std::vector parameters of free and static
