@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ConfigurationPath.h"
+#include <Discoveryd/ConfigurationPath.h>
 
 #include <cstring>
 #include <sys/types.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DaemonRefreshSteps.h"
+#include <Discoveryd/DaemonRefreshSteps.h>
 
-#include "Globals.h"
+#include <Discoveryd/Globals.h>
 
 #include <cstdlib>
 #include <unistd.h>

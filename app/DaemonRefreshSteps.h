@@ -10,7 +10,7 @@
 #ifndef KIV_APP_DAEMONREFRESHSTEPS_H
 #define KIV_APP_DAEMONREFRESHSTEPS_H
 
-#include "RefreshSteps.h"
+#include <Discoveryd/RefreshSteps.h>
 
 class DaemonRefreshSteps : public RefreshSteps
 {

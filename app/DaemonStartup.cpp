@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DaemonStartup.h"
+#include <Discoveryd/DaemonStartup.h>
 
-#include "Globals.h"
-#include "LinuxPlatform.h"
-#include "Platform.h"
+#include <Discoveryd/Globals.h>
+#include <KivPlr/core/LinuxPlatform.h>
+#include <KivPlr/core/Platform.h>
 
 #include <sys/stat.h>
 #include <sys/types.h>

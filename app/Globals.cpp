@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Globals.h"
+#include <Discoveryd/Globals.h>
 
 // Defined together so that they are built in this order and destroyed in the
 // reverse one: the publisher goes before the records it reads.

@@ -12,10 +12,10 @@
 #ifndef KIV_APP_GLOBALS_H
 #define KIV_APP_GLOBALS_H
 
-#include "CConfig.h"
-#include "CStatus.h"
-#include "DiscoverableServices.h"
-#include "SmartPtr.h"
+#include <KivConfig/DiscoverableServices.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <VpCfg/CConfig.h>
+#include <VpSts/CStatus.h>
 
 /// The unit's configuration record.
 extern VpCfg::CConfig gConfig;

@@ -2,11 +2,11 @@
 // The discovery daemon: publishes the unit's management service description
 // every 300 seconds until a signal ends it. It takes no arguments.
 
-#include "ConfigurationPath.h"
-#include "DaemonRefreshSteps.h"
-#include "DaemonStartup.h"
-#include "DiscoverableServices.h"
-#include "RefreshLoop.h"
+#include <Discoveryd/ConfigurationPath.h>
+#include <Discoveryd/DaemonRefreshSteps.h>
+#include <Discoveryd/DaemonStartup.h>
+#include <Discoveryd/RefreshLoop.h>
+#include <KivConfig/DiscoverableServices.h>
 
 int main()
 {

@@ -11,7 +11,7 @@
 #ifndef KIV_APP_REFRESHLOOP_H
 #define KIV_APP_REFRESHLOOP_H
 
-#include "RefreshSteps.h"
+#include <Discoveryd/RefreshSteps.h>
 
 /// One cycle: LoadConfiguration(\p configurationPath), RunStatusCollector,
 /// LoadStatus, Publish, Pause, in this order. Nothing is checked between the

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The cost of owning platform objects: every SmartPtr copy is an atomic
 // increment and decrement on the object's count block.
-#include "Object.h"
-#include "Platform.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/Platform.h>
+#include <KivPlr/core/SmartPtr.h>
 
 #include <benchmark/benchmark.h>
 

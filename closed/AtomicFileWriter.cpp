@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "AtomicFileWriter.h"
+#include <KivClosed/AtomicFileWriter.h>
 
 #include <cerrno>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CConfig.h"
+#include <VpCfg/CConfig.h>
 
-#include "XmlRecordReader.h"
+#include <KivClosed/XmlRecordReader.h>
 
 #include <utility>
 

@@ -14,7 +14,7 @@
 #ifndef KIV_CLOSED_CCONFIG_H
 #define KIV_CLOSED_CCONFIG_H
 
-#include "CServiceList.h"
+#include <VpCfg/CServiceList.h>
 
 #include <array>
 #include <cstddef>

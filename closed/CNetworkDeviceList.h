@@ -15,7 +15,7 @@
 #ifndef KIV_CLOSED_CNETWORKDEVICELIST_H
 #define KIV_CLOSED_CNETWORKDEVICELIST_H
 
-#include "CNetworkDevice.h"
+#include <VpSts/CNetworkDevice.h>
 
 #include <memory>
 #include <vector>

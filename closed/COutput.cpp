@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "COutput.h"
+#include <VpSts/COutput.h>
 
 namespace VpSts {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "COutputList.h"
+#include <VpSts/COutputList.h>
 
 namespace VpSts {
 

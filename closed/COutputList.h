@@ -15,7 +15,7 @@
 #ifndef KIV_CLOSED_COUTPUTLIST_H
 #define KIV_CLOSED_COUTPUTLIST_H
 
-#include "COutput.h"
+#include <VpSts/COutput.h>
 
 #include <vector>
 

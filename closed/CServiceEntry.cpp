@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CServiceEntry.h"
+#include <VpCfg/CServiceEntry.h>
 
 namespace VpCfg {
 

@@ -15,7 +15,7 @@
 #ifndef KIV_CLOSED_CSERVICELIST_H
 #define KIV_CLOSED_CSERVICELIST_H
 
-#include "CServiceEntry.h"
+#include <VpCfg/CServiceEntry.h>
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CStatus.h"
+#include <VpSts/CStatus.h>
 
-#include "XmlRecordReader.h"
+#include <KivClosed/XmlRecordReader.h>
 
 #include <memory>
 

@@ -14,8 +14,8 @@
 #ifndef KIV_CLOSED_CSTATUS_H
 #define KIV_CLOSED_CSTATUS_H
 
-#include "CNetworkDeviceList.h"
-#include "COutputList.h"
+#include <VpSts/CNetworkDeviceList.h>
+#include <VpSts/COutputList.h>
 
 #include <array>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DescriptionReader.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
 
-#include "XmlRecordReader.h"
+#include <KivClosed/XmlRecordReader.h>
 
 #include <cstdint>
 

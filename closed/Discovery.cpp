@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Discovery.h"
+#include <KivDiscoveryClient/Discovery.h>
 
-#include "AtomicFileWriter.h"
-#include "XmlCharacters.h"
+#include <KivClosed/AtomicFileWriter.h>
+#include <KivClosed/XmlCharacters.h>
 
 #include <sys/stat.h>
 #include <utility>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XmlCharacters.h"
+#include <KivClosed/XmlCharacters.h>
 
 #include <cstdio>
 

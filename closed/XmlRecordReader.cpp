@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XmlRecordReader.h"
+#include <KivClosed/XmlRecordReader.h>
 
-#include "XmlCharacters.h"
-#include "XmlWellFormedness.h"
+#include <KivClosed/XmlCharacters.h>
+#include <KivClosed/XmlWellFormedness.h>
 
 #include <algorithm>
 #include <cctype>

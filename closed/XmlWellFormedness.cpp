@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "XmlWellFormedness.h"
+#include <KivClosed/XmlWellFormedness.h>
 
-#include "XmlCharacters.h"
+#include <KivClosed/XmlCharacters.h>
 
 #include <cstdint>
 #include <cstring>

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # Install rules for the platform library: the shared library, its public
-# headers flat under include/KivPlr/ beside the umbrella header KivPlr.h, a
+# headers under include/KivPlr/<area>/ beside the umbrella header KivPlr.h, a
 # CMake package (find_package(KivPlr) gives KivPlr::kivplr) and kivplr.pc.
 # Programs and their service files install themselves from their folders.
 #
@@ -20,8 +20,14 @@ install(TARGETS kivplr
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         COMPONENT runtime NAMELINK_COMPONENT development)
 
-install(FILES ${KIVPLR_PUBLIC_HEADERS} ${KIVPLR_GENERATED_DIR}/KivPlr/KivPlr.h
+# Headers keep the spelling they have in the tree: <KivPlr/<area>/<Class>.h>,
+# so a program's include path needs <prefix>/include and nothing below it.
+install(FILES ${KIV_PUBLIC_INCLUDE_DIR}/KivPlr/KivPlr.h
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KivPlr COMPONENT development)
+foreach(area IN LISTS KIVPLR_AREAS)
+    install(FILES ${KIVPLR_${area}_HEADERS}
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KivPlr/${area} COMPONENT development)
+endforeach()
 
 set(KIVPLR_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/KivPlr)
 install(EXPORT KivPlrTargets NAMESPACE KivPlr:: DESTINATION ${KIVPLR_CMAKE_DIR}

@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DiscoverableServices.h"
+#include <KivConfig/DiscoverableServices.h>
 
-#include "DirectoryManager.h"
-#include "Discovery.h"
-#include "IMetadata.h"
-#include "IPlatform.h"
-#include "MetadataComputerName.h"
-#include "MetadataDescription.h"
-#include "MetadataProductFamily.h"
-#include "MetadataStatusNetwork.h"
-#include "MetadataStatusOutput.h"
-#include "MetadataTimezone.h"
-#include "Path.h"
-#include "Platform.h"
-#include "ScopedLock.h"
+#include <KivConfig/IMetadata.h>
+#include <KivConfig/MetadataComputerName.h>
+#include <KivConfig/MetadataDescription.h>
+#include <KivConfig/MetadataProductFamily.h>
+#include <KivConfig/MetadataStatusNetwork.h>
+#include <KivConfig/MetadataStatusOutput.h>
+#include <KivConfig/MetadataTimezone.h>
+#include <KivDiscoveryClient/Discovery.h>
+#include <KivPlr/core/IPlatform.h>
+#include <KivPlr/core/Path.h>
+#include <KivPlr/core/Platform.h>
+#include <KivPlr/io/DirectoryManager.h>
+#include <KivPlr/sync/ScopedLock.h>
 
 #include <cstdio>
 

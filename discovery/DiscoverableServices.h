@@ -15,12 +15,12 @@
 #ifndef KIVCONFIG_DISCOVERABLESERVICES_H
 #define KIVCONFIG_DISCOVERABLESERVICES_H
 
-#include "CConfig.h"
-#include "CStatus.h"
-#include "ILock.h"
-#include "MetadataGroup.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivConfig/MetadataGroup.h>
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/ILock.h>
+#include <VpCfg/CConfig.h>
+#include <VpSts/CStatus.h>
 
 #include <cstdint>
 #include <string>

@@ -14,7 +14,7 @@
 #ifndef KIVCONFIG_IMETADATA_H
 #define KIVCONFIG_IMETADATA_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <string>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataBase.h"
+#include <KivConfig/MetadataBase.h>
 
 namespace KivConfig {
 

@@ -15,8 +15,8 @@
 #ifndef KIVCONFIG_METADATABASE_H
 #define KIVCONFIG_METADATABASE_H
 
-#include "IMetadata.h"
-#include "Object.h"
+#include <KivConfig/IMetadata.h>
+#include <KivPlr/core/Object.h>
 
 #include <ostream>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataComputerName.h"
+#include <KivConfig/MetadataComputerName.h>
 
 namespace KivConfig {
 

@@ -11,7 +11,7 @@
 #ifndef KIVCONFIG_METADATACOMPUTERNAME_H
 #define KIVCONFIG_METADATACOMPUTERNAME_H
 
-#include "MetadataConfigText.h"
+#include <KivConfig/MetadataConfigText.h>
 
 namespace KivConfig {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataConfigText.h"
+#include <KivConfig/MetadataConfigText.h>
 
 #include <sstream>
 

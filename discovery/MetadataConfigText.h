@@ -11,8 +11,8 @@
 #ifndef KIVCONFIG_METADATACONFIGTEXT_H
 #define KIVCONFIG_METADATACONFIGTEXT_H
 
-#include "CConfig.h"
-#include "MetadataBase.h"
+#include <KivConfig/MetadataBase.h>
+#include <VpCfg/CConfig.h>
 
 namespace KivConfig {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataDescription.h"
+#include <KivConfig/MetadataDescription.h>
 
 namespace KivConfig {
 

@@ -11,7 +11,7 @@
 #ifndef KIVCONFIG_METADATADESCRIPTION_H
 #define KIVCONFIG_METADATADESCRIPTION_H
 
-#include "MetadataConfigText.h"
+#include <KivConfig/MetadataConfigText.h>
 
 namespace KivConfig {
 

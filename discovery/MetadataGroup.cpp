@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataGroup.h"
+#include <KivConfig/MetadataGroup.h>
 
 namespace KivConfig {
 

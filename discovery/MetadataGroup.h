@@ -13,9 +13,9 @@
 #ifndef KIVCONFIG_METADATAGROUP_H
 #define KIVCONFIG_METADATAGROUP_H
 
-#include "IMetadata.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivConfig/IMetadata.h>
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
 
 #include <string>
 #include <vector>

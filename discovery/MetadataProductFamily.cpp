@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataProductFamily.h"
+#include <KivConfig/MetadataProductFamily.h>
 
 #include <sstream>
 

@@ -12,8 +12,8 @@
 #ifndef KIVCONFIG_METADATAPRODUCTFAMILY_H
 #define KIVCONFIG_METADATAPRODUCTFAMILY_H
 
-#include "CStatus.h"
-#include "MetadataBase.h"
+#include <KivConfig/MetadataBase.h>
+#include <VpSts/CStatus.h>
 
 #include <cstdint>
 

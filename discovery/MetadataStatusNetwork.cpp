@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataStatusNetwork.h"
+#include <KivConfig/MetadataStatusNetwork.h>
 
 #include <sstream>
 

@@ -12,8 +12,8 @@
 #ifndef KIVCONFIG_METADATASTATUSNETWORK_H
 #define KIVCONFIG_METADATASTATUSNETWORK_H
 
-#include "CStatus.h"
-#include "MetadataBase.h"
+#include <KivConfig/MetadataBase.h>
+#include <VpSts/CStatus.h>
 
 namespace KivConfig {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataStatusOutput.h"
+#include <KivConfig/MetadataStatusOutput.h>
 
 #include <sstream>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MetadataTimezone.h"
+#include <KivConfig/MetadataTimezone.h>
 
 namespace KivConfig {
 

@@ -11,7 +11,7 @@
 #ifndef KIVCONFIG_METADATATIMEZONE_H
 #define KIVCONFIG_METADATATIMEZONE_H
 
-#include "MetadataConfigText.h"
+#include <KivConfig/MetadataConfigText.h>
 
 namespace KivConfig {
 

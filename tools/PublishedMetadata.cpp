@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PublishedMetadata.h"
+#include <DiscoveryCheck/PublishedMetadata.h>
 
 namespace KivCheck {
 

@@ -13,10 +13,10 @@
 // A summary whose metadata does not follow the publisher's layout shows what
 // it could read and exits with 1.
 
-#include "CConfig.h"
-#include "CStatus.h"
-#include "DescriptionReader.h"
-#include "PublishedMetadata.h"
+#include <DiscoveryCheck/PublishedMetadata.h>
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <VpCfg/CConfig.h>
+#include <VpSts/CStatus.h>
 
 #include <cstdio>
 #include <cstring>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "AccountTool.h"
+#include <KivPlr/accounts/AccountTool.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cstdarg>
 #include <cstdio>

@@ -13,7 +13,7 @@
 #ifndef KIVPLR_ACCOUNTTOOL_H
 #define KIVPLR_ACCOUNTTOOL_H
 
-#include "Result.h"
+#include <KivPlr/core/Result.h>
 
 #include <string>
 

@@ -11,7 +11,7 @@
 #ifndef KIVPLR_IPOSIX_H
 #define KIVPLR_IPOSIX_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 

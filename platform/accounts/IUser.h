@@ -14,7 +14,7 @@
 #ifndef KIVPLR_IUSER_H
 #define KIVPLR_IUSER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <string>
 #include <vector>

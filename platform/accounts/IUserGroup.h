@@ -13,7 +13,7 @@
 #ifndef KIVPLR_IUSERGROUP_H
 #define KIVPLR_IUSERGROUP_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <string>
 #include <vector>

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Posix.h"
+#include <KivPlr/accounts/Posix.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
-#include "PosixLock.h"
-#include "PosixSemaphore.h"
-#include "PosixSharedLock.h"
-#include "PosixThread.h"
+#include <KivPlr/sync/PosixLock.h>
+#include <KivPlr/sync/PosixSemaphore.h>
+#include <KivPlr/sync/PosixSharedLock.h>
+#include <KivPlr/sync/PosixThread.h>
 
 namespace KivPlr {
 

@@ -11,8 +11,8 @@
 #ifndef KIVPLR_POSIX_H
 #define KIVPLR_POSIX_H
 
-#include "IPosix.h"
-#include "Object.h"
+#include <KivPlr/accounts/IPosix.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "User.h"
+#include <KivPlr/accounts/User.h>
 
-#include "FatalError.h"
-#include "PamConversation.h"
-#include "AccountTool.h"
-#include "UserGroupList.h"
+#include <KivPlr/accounts/AccountTool.h>
+#include <KivPlr/accounts/PamConversation.h>
+#include <KivPlr/accounts/UserGroupList.h>
+#include <KivPlr/core/FatalError.h>
 
 #include <crypt.h>
 #include <cstdlib>

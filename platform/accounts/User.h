@@ -13,8 +13,8 @@
 #ifndef KIVPLR_USER_H
 #define KIVPLR_USER_H
 
-#include "IUser.h"
-#include "Object.h"
+#include <KivPlr/accounts/IUser.h>
+#include <KivPlr/core/Object.h>
 
 #include <cstddef>
 

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "UserGroup.h"
+#include <KivPlr/accounts/UserGroup.h>
 
-#include "FatalError.h"
-#include "FileManager.h"
-#include "Path.h"
-#include "AccountTool.h"
-#include "SmartPtr.h"
-#include "StreamReader.h"
-#include "UserGroupList.h"
+#include <KivPlr/accounts/AccountTool.h>
+#include <KivPlr/accounts/UserGroupList.h>
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/Path.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/FileManager.h>
+#include <KivPlr/io/StreamReader.h>
 
 #include <cstdint>
 

@@ -14,8 +14,8 @@
 #ifndef KIVPLR_USERGROUP_H
 #define KIVPLR_USERGROUP_H
 
-#include "IUserGroup.h"
-#include "Object.h"
+#include <KivPlr/accounts/IUserGroup.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "UserGroupList.h"
+#include <KivPlr/accounts/UserGroupList.h>
 
-#include "AccountTool.h"
-#include "FatalError.h"
+#include <KivPlr/accounts/AccountTool.h>
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

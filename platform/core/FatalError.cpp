@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cstdlib>
 

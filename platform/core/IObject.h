@@ -11,7 +11,7 @@
 #ifndef KIVPLR_IOBJECT_H
 #define KIVPLR_IOBJECT_H
 
-#include "Result.h"
+#include <KivPlr/core/Result.h>
 
 #include <cstdint>
 

@@ -9,7 +9,7 @@
 #ifndef KIVPLR_IOBJECT2_H
 #define KIVPLR_IOBJECT2_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 

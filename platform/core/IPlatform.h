@@ -13,7 +13,7 @@
 #ifndef KIVPLR_IPLATFORM_H
 #define KIVPLR_IPLATFORM_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 

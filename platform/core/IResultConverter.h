@@ -12,7 +12,7 @@
 #ifndef KIVPLR_IRESULTCONVERTER_H
 #define KIVPLR_IRESULTCONVERTER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 

@@ -12,8 +12,8 @@
 #ifndef KIVPLR_IUUIDGENERATOR_H
 #define KIVPLR_IUUIDGENERATOR_H
 
-#include "IObject.h"
-#include "Uuid.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/core/Uuid.h>
 
 namespace KivPlr {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "InterfaceIdentifiers.h"
+#include <KivPlr/core/InterfaceIdentifiers.h>
 
 // The constants hold a vector and so are built at run time, while the library
 // is loaded. init_priority puts their construction ahead of every static

@@ -10,7 +10,7 @@
 #ifndef KIVPLR_INTERFACEIDENTIFIERS_H
 #define KIVPLR_INTERFACEIDENTIFIERS_H
 
-#include "Uuid.h"
+#include <KivPlr/core/Uuid.h>
 
 namespace KivPlr {
 

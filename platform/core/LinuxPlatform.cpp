@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LinuxPlatform.h"
+#include <KivPlr/core/LinuxPlatform.h>
 
-#include "ClockGetTimeClock.h"
-#include "DirectoryManager.h"
-#include "FatalError.h"
-#include "FileManager.h"
-#include "LinuxSystemClock.h"
-#include "LogManager.h"
-#include "PassiveThreadObserver.h"
-#include "Posix.h"
-#include "PosixCurrentTime.h"
-#include "PosixResultPassFail.h"
-#include "PosixThreadPriorityMap.h"
-#include "PosixTimeOffsetCalculator.h"
-#include "User.h"
-#include "UserGroup.h"
+#include <KivPlr/accounts/Posix.h>
+#include <KivPlr/accounts/User.h>
+#include <KivPlr/accounts/UserGroup.h>
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/io/DirectoryManager.h>
+#include <KivPlr/io/FileManager.h>
+#include <KivPlr/io/LogManager.h>
+#include <KivPlr/sync/PassiveThreadObserver.h>
+#include <KivPlr/sync/PosixThreadPriorityMap.h>
+#include <KivPlr/time/ClockGetTimeClock.h>
+#include <KivPlr/time/LinuxSystemClock.h>
+#include <KivPlr/time/PosixCurrentTime.h>
+#include <KivPlr/time/PosixTimeOffsetCalculator.h>
 
 #include <ctime>
 

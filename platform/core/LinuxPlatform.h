@@ -13,9 +13,9 @@
 #ifndef KIVPLR_LINUXPLATFORM_H
 #define KIVPLR_LINUXPLATFORM_H
 
-#include "IPosix.h"
-#include "Platform.h"
-#include "SmartPtr.h"
+#include <KivPlr/accounts/IPosix.h>
+#include <KivPlr/core/Platform.h>
+#include <KivPlr/core/SmartPtr.h>
 
 namespace KivPlr {
 

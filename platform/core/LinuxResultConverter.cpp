@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LinuxResultConverter.h"
+#include <KivPlr/core/LinuxResultConverter.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

@@ -9,8 +9,8 @@
 #ifndef KIVPLR_LINUXRESULTCONVERTER_H
 #define KIVPLR_LINUXRESULTCONVERTER_H
 
-#include "IResultConverter.h"
-#include "Object.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Object.h"
+#include <KivPlr/core/Object.h>
 
-#include "FatalError.h"
-#include "ReferenceCounter.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/ReferenceCounter.h>
 
 namespace KivPlr {
 

@@ -14,7 +14,7 @@
 #ifndef KIVPLR_OBJECT_H
 #define KIVPLR_OBJECT_H
 
-#include "IObject2.h"
+#include <KivPlr/core/IObject2.h>
 
 namespace KivPlr {
 

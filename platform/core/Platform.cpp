@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Platform.h"
+#include <KivPlr/core/Platform.h>
 
-#include "FatalError.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/SmartPtr.h>
 
 namespace KivPlr {
 

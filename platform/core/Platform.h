@@ -14,8 +14,8 @@
 #ifndef KIVPLR_PLATFORM_H
 #define KIVPLR_PLATFORM_H
 
-#include "IPlatform.h"
-#include "Object.h"
+#include <KivPlr/core/IPlatform.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixResultPassFail.h"
+#include <KivPlr/core/PosixResultPassFail.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

@@ -9,8 +9,8 @@
 #ifndef KIVPLR_POSIXRESULTPASSFAIL_H
 #define KIVPLR_POSIXRESULTPASSFAIL_H
 
-#include "IResultConverter.h"
-#include "Object.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

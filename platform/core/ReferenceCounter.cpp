@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ReferenceCounter.h"
+#include <KivPlr/core/ReferenceCounter.h>
 
 namespace KivPlr {
 

@@ -15,8 +15,8 @@
 #ifndef KIVPLR_SMARTPTR_H
 #define KIVPLR_SMARTPTR_H
 
-#include "FatalError.h"
-#include "IObject.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 

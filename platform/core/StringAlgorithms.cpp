@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StringAlgorithms.h"
+#include <KivPlr/core/StringAlgorithms.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cctype>
 #include <cwctype>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "UuidGenerator.h"
+#include <KivPlr/core/UuidGenerator.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <boost/random/mersenne_twister.hpp>
 #include <boost/uuid/random_generator.hpp>

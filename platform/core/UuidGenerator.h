@@ -13,8 +13,8 @@
 #ifndef KIVPLR_UUIDGENERATOR_H
 #define KIVPLR_UUIDGENERATOR_H
 
-#include "IUuidGenerator.h"
-#include "Object.h"
+#include <KivPlr/core/IUuidGenerator.h>
+#include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 

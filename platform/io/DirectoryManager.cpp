@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DirectoryManager.h"
+#include <KivPlr/io/DirectoryManager.h>
 
-#include "FatalError.h"
-#include "LinuxDirectoryPosition.h"
-#include "LinuxResultConverter.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/LinuxResultConverter.h>
+#include <KivPlr/io/LinuxDirectoryPosition.h>
 
 #include <cerrno>
 #include <cstring>

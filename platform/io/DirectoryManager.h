@@ -12,8 +12,8 @@
 #ifndef KIVPLR_DIRECTORYMANAGER_H
 #define KIVPLR_DIRECTORYMANAGER_H
 
-#include "IDirectoryManager.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/io/IDirectoryManager.h>
 
 namespace KivPlr {
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FileManager.h"
+#include <KivPlr/io/FileManager.h>
 
-#include "FatalError.h"
-#include "LinuxFileStream.h"
-#include "LinuxResultConverter.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/core/LinuxResultConverter.h>
+#include <KivPlr/io/LinuxFileStream.h>
 
 #include <cstdio>
 #include <fcntl.h>

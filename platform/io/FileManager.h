@@ -11,8 +11,8 @@
 #ifndef KIVPLR_FILEMANAGER_H
 #define KIVPLR_FILEMANAGER_H
 
-#include "IFileManager.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/io/IFileManager.h>
 
 namespace KivPlr {
 

@@ -16,10 +16,10 @@
 #ifndef KIVPLR_IDIRECTORYMANAGER_H
 #define KIVPLR_IDIRECTORYMANAGER_H
 
-#include "IDirectoryPosition.h"
-#include "IObject.h"
-#include "Path.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/core/Path.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/IDirectoryPosition.h>
 
 #include <string>
 #include <vector>

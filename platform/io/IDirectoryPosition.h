@@ -15,8 +15,8 @@
 #ifndef KIVPLR_IDIRECTORYPOSITION_H
 #define KIVPLR_IDIRECTORYPOSITION_H
 
-#include "IObject.h"
-#include "Path.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/core/Path.h>
 
 namespace KivPlr {
 

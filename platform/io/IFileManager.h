@@ -14,11 +14,11 @@
 #ifndef KIVPLR_IFILEMANAGER_H
 #define KIVPLR_IFILEMANAGER_H
 
-#include "FileInfo.h"
-#include "IObject.h"
-#include "IStream.h"
-#include "Path.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/core/Path.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/FileInfo.h>
+#include <KivPlr/io/IStream.h>
 
 #include <cstdint>
 

@@ -15,7 +15,7 @@
 #ifndef KIVPLR_ILOG_H
 #define KIVPLR_ILOG_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 #include <string>

@@ -14,10 +14,10 @@
 #ifndef KIVPLR_ILOGMANAGER_H
 #define KIVPLR_ILOGMANAGER_H
 
-#include "ILog.h"
-#include "IObject.h"
-#include "Path.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/core/Path.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/ILog.h>
 
 #include <cstdint>
 #include <string>

@@ -14,7 +14,7 @@
 #ifndef KIVPLR_ISTREAM_H
 #define KIVPLR_ISTREAM_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 

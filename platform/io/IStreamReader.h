@@ -13,7 +13,7 @@
 #ifndef KIVPLR_ISTREAMREADER_H
 #define KIVPLR_ISTREAMREADER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 #include <string>

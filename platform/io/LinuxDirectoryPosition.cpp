@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LinuxDirectoryPosition.h"
+#include <KivPlr/io/LinuxDirectoryPosition.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cstring>
 

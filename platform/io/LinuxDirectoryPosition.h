@@ -15,9 +15,9 @@
 #ifndef KIVPLR_LINUXDIRECTORYPOSITION_H
 #define KIVPLR_LINUXDIRECTORYPOSITION_H
 
-#include "IDirectoryPosition.h"
-#include "Object.h"
-#include "Uuid.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/Uuid.h>
+#include <KivPlr/io/IDirectoryPosition.h>
 
 #include <dirent.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LinuxFileStream.h"
+#include <KivPlr/io/LinuxFileStream.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cstddef>
 #include <cstdint>

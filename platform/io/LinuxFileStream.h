@@ -12,8 +12,8 @@
 #ifndef KIVPLR_LINUXFILESTREAM_H
 #define KIVPLR_LINUXFILESTREAM_H
 
-#include "IStream.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/io/IStream.h>
 
 namespace KivPlr {
 

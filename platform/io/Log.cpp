@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Log.h"
+#include <KivPlr/io/Log.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <syslog.h>
 

@@ -11,8 +11,8 @@
 #ifndef KIVPLR_LOG_H
 #define KIVPLR_LOG_H
 
-#include "ILog.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/io/ILog.h>
 
 namespace KivPlr {
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LogManager.h"
+#include <KivPlr/io/LogManager.h>
 
-#include "FatalError.h"
-#include "Log.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/io/Log.h>
 
 #include <syslog.h>
 

@@ -10,8 +10,8 @@
 #ifndef KIVPLR_LOGMANAGER_H
 #define KIVPLR_LOGMANAGER_H
 
-#include "ILogManager.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/io/ILogManager.h>
 
 namespace KivPlr {
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StreamReader.h"
+#include <KivPlr/io/StreamReader.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

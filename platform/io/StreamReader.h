@@ -19,10 +19,10 @@
 #ifndef KIVPLR_STREAMREADER_H
 #define KIVPLR_STREAMREADER_H
 
-#include "IStream.h"
-#include "IStreamReader.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/IStream.h>
+#include <KivPlr/io/IStreamReader.h>
 
 namespace KivPlr {
 

@@ -14,8 +14,8 @@
 #ifndef KIVPLR_ILOCK_H
 #define KIVPLR_ILOCK_H
 
-#include "IObject.h"
-#include "WaitTimeout.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/sync/WaitTimeout.h>
 
 #include <cstdint>
 

@@ -11,7 +11,7 @@
 #ifndef KIVPLR_IMANUALRESETEVENT_H
 #define KIVPLR_IMANUALRESETEVENT_H
 
-#include "IWaitEvent.h"
+#include <KivPlr/sync/IWaitEvent.h>
 
 namespace KivPlr {
 

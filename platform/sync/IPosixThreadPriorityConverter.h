@@ -11,7 +11,7 @@
 #ifndef KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H
 #define KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 

@@ -12,8 +12,8 @@
 #ifndef KIVPLR_ISEMAPHORE_H
 #define KIVPLR_ISEMAPHORE_H
 
-#include "IObject.h"
-#include "WaitTimeout.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/sync/WaitTimeout.h>
 
 #include <cstdint>
 

@@ -12,7 +12,7 @@
 #ifndef KIVPLR_ISHAREDLOCK_H
 #define KIVPLR_ISHAREDLOCK_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 

@@ -13,7 +13,7 @@
 #ifndef KIVPLR_ITHREAD_H
 #define KIVPLR_ITHREAD_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 #include <string>

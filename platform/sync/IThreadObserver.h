@@ -13,7 +13,7 @@
 #ifndef KIVPLR_ITHREADOBSERVER_H
 #define KIVPLR_ITHREADOBSERVER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 

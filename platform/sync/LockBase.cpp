@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LockBase.h"
+#include <KivPlr/sync/LockBase.h>
 
 namespace KivPlr {
 

@@ -10,8 +10,8 @@
 #ifndef KIVPLR_LOCKBASE_H
 #define KIVPLR_LOCKBASE_H
 
-#include "ILock.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/ILock.h>
 
 namespace KivPlr {
 

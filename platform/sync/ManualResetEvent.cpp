@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ManualResetEvent.h"
+#include <KivPlr/sync/ManualResetEvent.h>
 
-#include "ScopedLock.h"
+#include <KivPlr/sync/ScopedLock.h>
 
 namespace KivPlr {
 

@@ -12,8 +12,8 @@
 #ifndef KIVPLR_MANUALRESETEVENT_H
 #define KIVPLR_MANUALRESETEVENT_H
 
-#include "IManualResetEvent.h"
-#include "WaitEvent.h"
+#include <KivPlr/sync/IManualResetEvent.h>
+#include <KivPlr/sync/WaitEvent.h>
 
 #include <atomic>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PassiveThreadObserver.h"
+#include <KivPlr/sync/PassiveThreadObserver.h>
 
 namespace KivPlr {
 

@@ -8,8 +8,8 @@
 #ifndef KIVPLR_PASSIVETHREADOBSERVER_H
 #define KIVPLR_PASSIVETHREADOBSERVER_H
 
-#include "IThreadObserver.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/IThreadObserver.h>
 
 namespace KivPlr {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixLock.h"
+#include <KivPlr/sync/PosixLock.h>
 
 namespace KivPlr {
 

@@ -14,10 +14,10 @@
 #ifndef KIVPLR_POSIXLOCK_H
 #define KIVPLR_POSIXLOCK_H
 
-#include "IPosixTimeOffsetCalculator.h"
-#include "IResultConverter.h"
-#include "LockBase.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/LockBase.h>
+#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
 
 #include <pthread.h>
 

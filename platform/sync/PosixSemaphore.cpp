@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixSemaphore.h"
+#include <KivPlr/sync/PosixSemaphore.h>
 
 namespace KivPlr {
 

@@ -12,10 +12,10 @@
 #ifndef KIVPLR_POSIXSEMAPHORE_H
 #define KIVPLR_POSIXSEMAPHORE_H
 
-#include "IPosixTimeOffsetCalculator.h"
-#include "IResultConverter.h"
-#include "SemaphoreBase.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/SemaphoreBase.h>
+#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
 
 #include <semaphore.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixSharedLock.h"
+#include <KivPlr/sync/PosixSharedLock.h>
 
 namespace KivPlr {
 

@@ -11,9 +11,9 @@
 #ifndef KIVPLR_POSIXSHAREDLOCK_H
 #define KIVPLR_POSIXSHAREDLOCK_H
 
-#include "IResultConverter.h"
-#include "SharedLockBase.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/SharedLockBase.h>
 
 #include <pthread.h>
 

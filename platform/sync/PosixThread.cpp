@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixThread.h"
+#include <KivPlr/sync/PosixThread.h>
 
 #include <sched.h>
 

@@ -14,10 +14,10 @@
 #ifndef KIVPLR_POSIXTHREAD_H
 #define KIVPLR_POSIXTHREAD_H
 
-#include "IPosixThreadPriorityConverter.h"
-#include "IResultConverter.h"
-#include "SmartPtr.h"
-#include "ThreadBase.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/IPosixThreadPriorityConverter.h>
+#include <KivPlr/sync/ThreadBase.h>
 
 #include <pthread.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixThreadPriorityMap.h"
+#include <KivPlr/sync/PosixThreadPriorityMap.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

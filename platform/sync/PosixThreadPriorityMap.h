@@ -13,8 +13,8 @@
 #ifndef KIVPLR_POSIXTHREADPRIORITYMAP_H
 #define KIVPLR_POSIXTHREADPRIORITYMAP_H
 
-#include "IPosixThreadPriorityConverter.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/IPosixThreadPriorityConverter.h>
 
 #include <map>
 

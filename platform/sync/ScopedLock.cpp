@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ScopedLock.h"
+#include <KivPlr/sync/ScopedLock.h>
 
 namespace KivPlr {
 

@@ -12,8 +12,8 @@
 #ifndef KIVPLR_SCOPEDLOCK_H
 #define KIVPLR_SCOPEDLOCK_H
 
-#include "ILock.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/ILock.h>
 
 namespace KivPlr {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SemaphoreBase.h"
+#include <KivPlr/sync/SemaphoreBase.h>
 
 namespace KivPlr {
 

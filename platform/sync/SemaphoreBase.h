@@ -11,8 +11,8 @@
 #ifndef KIVPLR_SEMAPHOREBASE_H
 #define KIVPLR_SEMAPHOREBASE_H
 
-#include "ISemaphore.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/ISemaphore.h>
 
 namespace KivPlr {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SharedLockBase.h"
+#include <KivPlr/sync/SharedLockBase.h>
 
 namespace KivPlr {
 

@@ -10,8 +10,8 @@
 #ifndef KIVPLR_SHAREDLOCKBASE_H
 #define KIVPLR_SHAREDLOCKBASE_H
 
-#include "ISharedLock.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/ISharedLock.h>
 
 namespace KivPlr {
 

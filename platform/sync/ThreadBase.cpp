@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ThreadBase.h"
+#include <KivPlr/sync/ThreadBase.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

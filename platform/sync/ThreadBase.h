@@ -11,10 +11,10 @@
 #ifndef KIVPLR_THREADBASE_H
 #define KIVPLR_THREADBASE_H
 
-#include "IThread.h"
-#include "IThreadObserver.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/IThread.h>
+#include <KivPlr/sync/IThreadObserver.h>
 
 namespace KivPlr {
 

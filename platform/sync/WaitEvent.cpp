@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "WaitEvent.h"
+#include <KivPlr/sync/WaitEvent.h>
 
-#include "ScopedLock.h"
+#include <KivPlr/sync/ScopedLock.h>
 
 namespace KivPlr {
 

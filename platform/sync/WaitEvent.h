@@ -11,10 +11,10 @@
 #ifndef KIVPLR_WAITEVENT_H
 #define KIVPLR_WAITEVENT_H
 
-#include "ILock.h"
-#include "IWaitEvent.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/ILock.h>
+#include <KivPlr/sync/IWaitEvent.h>
 
 namespace KivPlr {
 

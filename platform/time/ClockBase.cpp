@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ClockBase.h"
+#include <KivPlr/time/ClockBase.h>
 
 namespace KivPlr {
 

@@ -11,8 +11,8 @@
 #ifndef KIVPLR_CLOCKBASE_H
 #define KIVPLR_CLOCKBASE_H
 
-#include "IClock.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/time/IClock.h>
 
 namespace KivPlr {
 

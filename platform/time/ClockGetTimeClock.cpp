@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ClockGetTimeClock.h"
+#include <KivPlr/time/ClockGetTimeClock.h>
 
-#include "TimeDuration.h"
+#include <KivPlr/time/TimeDuration.h>
 
 namespace KivPlr {
 

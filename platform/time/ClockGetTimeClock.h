@@ -11,10 +11,10 @@
 #ifndef KIVPLR_CLOCKGETTIMECLOCK_H
 #define KIVPLR_CLOCKGETTIMECLOCK_H
 
-#include "ClockBase.h"
-#include "ILock.h"
-#include "IPosixTimeProvider.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/ILock.h>
+#include <KivPlr/time/ClockBase.h>
+#include <KivPlr/time/IPosixTimeProvider.h>
 
 #include <cstdint>
 #include <ctime>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Date.h"
+#include <KivPlr/time/Date.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <limits>
 

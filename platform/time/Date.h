@@ -20,8 +20,8 @@
 #ifndef KIVPLR_DATE_H
 #define KIVPLR_DATE_H
 
-#include "DateDuration.h"
-#include "ValueKind.h"
+#include <KivPlr/time/DateDuration.h>
+#include <KivPlr/time/ValueKind.h>
 
 #include <cstdint>
 

@@ -11,7 +11,7 @@
 #ifndef KIVPLR_DATEDURATION_H
 #define KIVPLR_DATEDURATION_H
 
-#include "ValueKind.h"
+#include <KivPlr/time/ValueKind.h>
 
 #include <cstdint>
 

@@ -9,7 +9,7 @@
 #ifndef KIVPLR_EPOCH_H
 #define KIVPLR_EPOCH_H
 
-#include "Date.h"
+#include <KivPlr/time/Date.h>
 
 namespace KivPlr {
 

@@ -11,8 +11,8 @@
 #ifndef KIVPLR_ICLOCK_H
 #define KIVPLR_ICLOCK_H
 
-#include "IObject.h"
-#include "TimeDuration.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/time/TimeDuration.h>
 
 #include <cstdint>
 

@@ -10,7 +10,7 @@
 #ifndef KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
 #define KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 #include <ctime>

@@ -12,7 +12,7 @@
 #ifndef KIVPLR_IPOSIXTIMEPROVIDER_H
 #define KIVPLR_IPOSIXTIMEPROVIDER_H
 
-#include "IObject.h"
+#include <KivPlr/core/IObject.h>
 
 #include <ctime>
 

@@ -11,8 +11,8 @@
 #ifndef KIVPLR_ISYSTEMCLOCK_H
 #define KIVPLR_ISYSTEMCLOCK_H
 
-#include "IObject.h"
-#include "TimePoint.h"
+#include <KivPlr/core/IObject.h>
+#include <KivPlr/time/TimePoint.h>
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Iso8601Duration.h"
+#include <KivPlr/time/Iso8601Duration.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cmath>
 #include <cstdio>

@@ -18,7 +18,7 @@
 #ifndef KIVPLR_ISO8601DURATION_H
 #define KIVPLR_ISO8601DURATION_H
 
-#include "Result.h"
+#include <KivPlr/core/Result.h>
 
 #include <cstdint>
 #include <istream>

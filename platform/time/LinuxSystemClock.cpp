@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "LinuxSystemClock.h"
+#include <KivPlr/time/LinuxSystemClock.h>
 
-#include "Epoch.h"
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
+#include <KivPlr/time/Epoch.h>
 
 #include <limits>
 

@@ -12,8 +12,8 @@
 #ifndef KIVPLR_LINUXSYSTEMCLOCK_H
 #define KIVPLR_LINUXSYSTEMCLOCK_H
 
-#include "ISystemClock.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/time/ISystemClock.h>
 
 #include <sys/time.h>
 

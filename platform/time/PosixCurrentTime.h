@@ -12,8 +12,8 @@
 #ifndef KIVPLR_POSIXCURRENTTIME_H
 #define KIVPLR_POSIXCURRENTTIME_H
 
-#include "IPosixTimeProvider.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/time/IPosixTimeProvider.h>
 
 #include <ctime>
 

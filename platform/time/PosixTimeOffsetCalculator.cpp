@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PosixTimeOffsetCalculator.h"
+#include <KivPlr/time/PosixTimeOffsetCalculator.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 namespace KivPlr {
 

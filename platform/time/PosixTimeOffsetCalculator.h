@@ -13,10 +13,10 @@
 #ifndef KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
 #define KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
 
-#include "IPosixTimeOffsetCalculator.h"
-#include "IPosixTimeProvider.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
+#include <KivPlr/time/IPosixTimeProvider.h>
 
 #include <cstdint>
 #include <ctime>

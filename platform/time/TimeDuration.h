@@ -17,7 +17,7 @@
 #ifndef KIVPLR_TIMEDURATION_H
 #define KIVPLR_TIMEDURATION_H
 
-#include "ValueKind.h"
+#include <KivPlr/time/ValueKind.h>
 
 #include <cstdint>
 

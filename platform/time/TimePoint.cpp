@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TimePoint.h"
+#include <KivPlr/time/TimePoint.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cctype>
 #include <cstdio>

@@ -15,9 +15,9 @@
 #ifndef KIVPLR_TIMEPOINT_H
 #define KIVPLR_TIMEPOINT_H
 
-#include "Date.h"
-#include "ValueKind.h"
-#include "TimeDuration.h"
+#include <KivPlr/time/Date.h>
+#include <KivPlr/time/TimeDuration.h>
+#include <KivPlr/time/ValueKind.h>
 
 #include <ctime>
 #include <string>

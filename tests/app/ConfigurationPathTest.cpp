@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ConfigurationPath.h"
-#include "TemporaryDirectory.h"
+#include <Discoveryd/ConfigurationPath.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

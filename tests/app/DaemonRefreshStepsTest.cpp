@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "ConfigurationPath.h"
-#include "DaemonRefreshSteps.h"
-#include "DaemonStartup.h"
-#include "Globals.h"
-#include "MountNamespace.h"
-#include "TemporaryDirectory.h"
+#include <Discoveryd/ConfigurationPath.h>
+#include <Discoveryd/DaemonRefreshSteps.h>
+#include <Discoveryd/DaemonStartup.h>
+#include <Discoveryd/Globals.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "DaemonStartup.h"
-#include "DiscoverableServices.h"
-#include "Globals.h"
-#include "LinuxPlatform.h"
-#include "MountNamespace.h"
-#include "Platform.h"
-#include "TemporaryDirectory.h"
+#include <Discoveryd/DaemonStartup.h>
+#include <Discoveryd/Globals.h>
+#include <KivConfig/DiscoverableServices.h>
+#include <KivPlr/core/LinuxPlatform.h>
+#include <KivPlr/core/Platform.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

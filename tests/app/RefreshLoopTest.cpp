@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "RefreshLoop.h"
+#include <Discoveryd/RefreshLoop.h>
 
 #include <gtest/gtest.h>
 

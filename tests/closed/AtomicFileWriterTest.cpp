@@ -2,11 +2,11 @@
 // Which temporary files AtomicFileWriter::Replace removes before it writes:
 // the stale ones of its own file name, and nothing else in the directory.
 
-#include "AtomicFileWriter.h"
+#include <KivClosed/AtomicFileWriter.h>
 
-#include "DirectoryListing.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CConfig.h"
+#include <VpCfg/CConfig.h>
 
-#include "BadRecordFiles.h"
+#include <KivTest/BadRecordFiles.h>
+#include <KivTest/TemporaryDirectory.h>
 #include "LoadTestHelpers.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CNetworkDeviceList.h"
+#include <VpSts/CNetworkDeviceList.h>
 
 #include <gtest/gtest.h>
 

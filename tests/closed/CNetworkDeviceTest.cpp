@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CNetworkDevice.h"
+#include <VpSts/CNetworkDevice.h>
 
 #include <gtest/gtest.h>
 

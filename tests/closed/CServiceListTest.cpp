@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CServiceList.h"
+#include <VpCfg/CServiceList.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CStatus.h"
+#include <VpSts/CStatus.h>
 
-#include "BadRecordFiles.h"
+#include <KivTest/BadRecordFiles.h>
+#include <KivTest/TemporaryDirectory.h>
 #include "LoadTestHelpers.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

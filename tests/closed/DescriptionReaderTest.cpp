@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DescriptionReader.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
 
+#include <KivTest/TemporaryDirectory.h>
 #include "LoadTestHelpers.h"
-#include "TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -4,13 +4,13 @@
 // or the directory is gone. The file-system cases run in a forked child with
 // a private mount namespace, so nothing is mounted on the machine itself.
 
-#include "Discovery.h"
+#include <KivDiscoveryClient/Discovery.h>
 
-#include "ChildProcess.h"
-#include "DirectoryListing.h"
-#include "MountNamespace.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivTest/ChildProcess.h>
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

@@ -3,11 +3,11 @@
 // can carry, including those that need escaping, must read back exactly,
 // through pugixml (DescriptionReader) and through python3's xml.etree.
 
-#include "Discovery.h"
+#include <KivDiscoveryClient/Discovery.h>
 
-#include "DescriptionReader.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

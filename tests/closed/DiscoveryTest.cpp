@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Discovery.h"
+#include <KivDiscoveryClient/Discovery.h>
 
-#include "ChildProcess.h"
-#include "DescriptionReader.h"
-#include "DirectoryListing.h"
-#include "Emulation.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CConfig.h"
-#include "CStatus.h"
-#include "ChildProcess.h"
-#include "DescriptionReader.h"
-#include "DiscoverableServices.h"
-#include "LinuxPlatform.h"
-#include "Platform.h"
+#include <KivConfig/DiscoverableServices.h>
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <KivPlr/core/LinuxPlatform.h>
+#include <KivPlr/core/Platform.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/RecordingLock.h>
+#include <KivTest/StandardOutputCapture.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
+#include <VpCfg/CConfig.h>
+#include <VpSts/CStatus.h>
 #include "RecordFiles.h"
-#include "RecordingLock.h"
-#include "SmartPtr.h"
-#include "StandardOutputCapture.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 

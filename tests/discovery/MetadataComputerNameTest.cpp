@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CConfig.h"
-#include "MetadataComputerName.h"
+#include <KivConfig/MetadataComputerName.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <VpCfg/CConfig.h>
 #include "MetadataTesting.h"
-#include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 

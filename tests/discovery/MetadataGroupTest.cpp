@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CConfig.h"
-#include "ChildProcess.h"
-#include "MetadataComputerName.h"
-#include "MetadataDescription.h"
-#include "MetadataGroup.h"
-#include "MetadataTimezone.h"
+#include <KivConfig/MetadataComputerName.h>
+#include <KivConfig/MetadataDescription.h>
+#include <KivConfig/MetadataGroup.h>
+#include <KivConfig/MetadataTimezone.h>
+#include <KivTest/ChildProcess.h>
+#include <VpCfg/CConfig.h>
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CStatus.h"
-#include "MetadataStatusOutput.h"
+#include <KivConfig/MetadataStatusOutput.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <VpSts/CStatus.h>
 #include "MetadataTesting.h"
-#include "SmartPtr.h"
 
 #include <gtest/gtest.h>
 

@@ -11,9 +11,9 @@
 #ifndef KIV_TESTS_DISCOVERY_METADATATESTING_H
 #define KIV_TESTS_DISCOVERY_METADATATESTING_H
 
-#include "CStatus.h"
-#include "IMetadata.h"
-#include "SmartPtr.h"
+#include <KivConfig/IMetadata.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <VpSts/CStatus.h>
 
 #include <cstdint>
 #include <memory>

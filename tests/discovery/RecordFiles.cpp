@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "RecordFiles.h"
 
-#include "SampleStatus.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/SampleStatus.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

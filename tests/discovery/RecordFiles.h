@@ -10,8 +10,8 @@
 #ifndef KIV_TESTS_DISCOVERY_RECORDFILES_H
 #define KIV_TESTS_DISCOVERY_RECORDFILES_H
 
-#include "CConfig.h"
-#include "CStatus.h"
+#include <VpCfg/CConfig.h>
+#include <VpSts/CStatus.h>
 
 #include <cstdint>
 #include <string>

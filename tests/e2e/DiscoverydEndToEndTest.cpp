@@ -10,13 +10,13 @@
 // the cycle. After the planned cycles the stand-in blocks, so the daemon is
 // held between two cycles when the test stops it.
 
-#include "ChildProcess.h"
-#include "Emulation.h"
-#include "MountNamespace.h"
-#include "RecordingCollector.h"
-#include "SampleStatus.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/ChildProcess.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/RecordingCollector.h>
+#include <KivTest/SampleStatus.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <cerrno>
 #include <csignal>

@@ -10,12 +10,12 @@
 // and stops the daemon once the first description is published. The summary
 // of "discovery-check summary" then names every interface too.
 
-#include "ChildProcess.h"
-#include "DescriptionReader.h"
-#include "Emulation.h"
-#include "MountNamespace.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <algorithm>
 #include <csignal>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "BadRecordFiles.h"
+#include <KivTest/BadRecordFiles.h>
 
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
 
 namespace KivTest {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Capabilities.h"
+#include <KivTest/Capabilities.h>
 
 #include <cerrno>
 #include <cstdint>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
+#include <KivTest/ChildProcess.h>
 
 #include <cerrno>
 #include <cstdio>

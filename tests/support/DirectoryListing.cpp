@@ -4,7 +4,7 @@
 // the listing comes back empty.
 #define _FILE_OFFSET_BITS 64
 
-#include "DirectoryListing.h"
+#include <KivTest/DirectoryListing.h>
 
 #include <algorithm>
 #include <dirent.h>

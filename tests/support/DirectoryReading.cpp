@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DirectoryReading.h"
+#include <KivTest/DirectoryReading.h>
 
-#include "Emulation.h"
+#include <KivTest/Emulation.h>
 
 #include <cerrno>
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ExclusiveFileLock.h"
+#include <KivTest/ExclusiveFileLock.h>
 
 #include <cerrno>
 #include <cstring>

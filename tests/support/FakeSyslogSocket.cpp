@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FakeSyslogSocket.h"
+#include <KivTest/FakeSyslogSocket.h>
 
-#include "ChildProcess.h"
-#include "MountNamespace.h"
+#include <KivTest/ChildProcess.h>
+#include <KivTest/MountNamespace.h>
 
 #include <cerrno>
 #include <cstdio>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FakeTimeOffsetCalculator.h"
+#include <KivTest/FakeTimeOffsetCalculator.h>
 
 namespace KivTest {
 

@@ -14,8 +14,8 @@
 #ifndef KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
 #define KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
 
-#include "IPosixTimeOffsetCalculator.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
 
 #include <mutex>
 #include <vector>

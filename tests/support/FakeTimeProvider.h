@@ -13,8 +13,8 @@
 #ifndef KIV_TESTS_FAKETIMEPROVIDER_H
 #define KIV_TESTS_FAKETIMEPROVIDER_H
 
-#include "IPosixTimeProvider.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/time/IPosixTimeProvider.h>
 
 #include <ctime>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
+#include <KivTest/FatalMessage.h>
 
-#include "FatalError.h"
+#include <KivPlr/core/FatalError.h>
 
 #include <cerrno>
 #include <cstdlib>

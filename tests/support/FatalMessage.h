@@ -11,7 +11,7 @@
 #ifndef KIV_TESTS_FATALMESSAGE_H
 #define KIV_TESTS_FATALMESSAGE_H
 
-#include "ChildProcess.h"
+#include <KivTest/ChildProcess.h>
 
 #include <functional>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "InnerTest.h"
+#include <KivTest/InnerTest.h>
 
 #include <gtest/gtest.h>
 

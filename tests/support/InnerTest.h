@@ -19,7 +19,7 @@
 #ifndef KIV_TESTS_INNERTEST_H
 #define KIV_TESTS_INNERTEST_H
 
-#include "ChildProcess.h"
+#include <KivTest/ChildProcess.h>
 
 #include <functional>
 #include <string>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "MountNamespace.h"
+#include <KivTest/MountNamespace.h>
 
-#include "ChildProcess.h"
-#include "Emulation.h"
+#include <KivTest/ChildProcess.h>
+#include <KivTest/Emulation.h>
 
 #include <cerrno>
 #include <cstring>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "OpenDescriptors.h"
+#include <KivTest/OpenDescriptors.h>
 
 #include <algorithm>
 #include <climits>

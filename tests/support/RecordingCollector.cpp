@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "RecordingCollector.h"
+#include <KivTest/RecordingCollector.h>
 
-#include "MountNamespace.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/MountNamespace.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <cerrno>
 #include <cstdlib>

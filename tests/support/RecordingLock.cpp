@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "RecordingLock.h"
+#include <KivTest/RecordingLock.h>
 
 namespace KivTest {
 

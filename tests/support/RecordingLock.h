@@ -13,8 +13,8 @@
 #ifndef KIV_TESTS_RECORDINGLOCK_H
 #define KIV_TESTS_RECORDINGLOCK_H
 
-#include "ILock.h"
-#include "Object.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/sync/ILock.h>
 
 #include <mutex>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "RecordingResultConverter.h"
+#include <KivTest/RecordingResultConverter.h>
 
 namespace KivTest {
 

@@ -12,8 +12,8 @@
 #ifndef KIV_TESTS_RECORDINGRESULTCONVERTER_H
 #define KIV_TESTS_RECORDINGRESULTCONVERTER_H
 
-#include "IResultConverter.h"
-#include "Object.h"
+#include <KivPlr/core/IResultConverter.h>
+#include <KivPlr/core/Object.h>
 
 #include <mutex>
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "RecordingShellTools.h"
+#include <KivTest/RecordingShellTools.h>
 
 #include <cstdlib>
 #include <sstream>

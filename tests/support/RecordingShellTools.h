@@ -17,7 +17,7 @@
 #ifndef KIV_TESTS_RECORDINGSHELLTOOLS_H
 #define KIV_TESTS_RECORDINGSHELLTOOLS_H
 
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SampleStatus.h"
+#include <KivTest/SampleStatus.h>
 
 namespace KivTest {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ShellCommand.h"
+#include <KivTest/ShellCommand.h>
 
 #include <unistd.h>
 

@@ -10,7 +10,7 @@
 #ifndef KIV_TESTS_SHELLCOMMAND_H
 #define KIV_TESTS_SHELLCOMMAND_H
 
-#include "ChildProcess.h"
+#include <KivTest/ChildProcess.h>
 
 #include <string>
 

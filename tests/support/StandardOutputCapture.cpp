@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StandardOutputCapture.h"
+#include <KivTest/StandardOutputCapture.h>
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
 
 #include <cstdlib>
 #include <fstream>

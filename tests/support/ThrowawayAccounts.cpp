@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ThrowawayAccounts.h"
+#include <KivTest/ThrowawayAccounts.h>
 
-#include "MountNamespace.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/MountNamespace.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

@@ -15,7 +15,7 @@
 #ifndef KIV_TESTS_THROWAWAYACCOUNTS_H
 #define KIV_TESTS_THROWAWAYACCOUNTS_H
 
-#include "InnerTest.h"
+#include <KivTest/InnerTest.h>
 
 #include <map>
 #include <string>

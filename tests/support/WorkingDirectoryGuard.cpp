@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "WorkingDirectoryGuard.h"
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

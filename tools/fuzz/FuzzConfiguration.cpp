@@ -3,7 +3,7 @@
 // Checks that a failed load leaves the record exactly as it was, that a
 // successful one respects the limits, and that every message names the file.
 
-#include "CConfig.h"
+#include <VpCfg/CConfig.h>
 #include "FuzzWorkspace.h"
 
 #include <cstring>

@@ -6,8 +6,8 @@
 // an independent decoder); what is read back must equal what was written;
 // a refused write leaves nothing in the directory.
 
-#include "DescriptionReader.h"
-#include "Discovery.h"
+#include <KivDiscoveryClient/DescriptionReader.h>
+#include <KivDiscoveryClient/Discovery.h>
 #include "FuzzWorkspace.h"
 
 #include <fuzzer/FuzzedDataProvider.h>

@@ -4,7 +4,7 @@
 // included), that a successful one respects the limits, and that every
 // message names the file.
 
-#include "CStatus.h"
+#include <VpSts/CStatus.h>
 #include "FuzzWorkspace.h"
 
 #include <string>

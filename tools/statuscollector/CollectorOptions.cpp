@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CollectorOptions.h"
+#include <StatusCollector/CollectorOptions.h>
 
 namespace KivCollector {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DefaultGatewayTable.h"
+#include <StatusCollector/DefaultGatewayTable.h>
 
 #include <arpa/inet.h>
 #include <cerrno>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DrmOutputScanner.h"
+#include <StatusCollector/DrmOutputScanner.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -13,7 +13,7 @@
 #ifndef KIV_TOOLS_DRMOUTPUTSCANNER_H
 #define KIV_TOOLS_DRMOUTPUTSCANNER_H
 
-#include "CollectedStatus.h"
+#include <StatusCollector/CollectedStatus.h>
 
 #include <string>
 #include <vector>

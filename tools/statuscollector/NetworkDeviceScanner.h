@@ -12,8 +12,8 @@
 #ifndef KIV_TOOLS_NETWORKDEVICESCANNER_H
 #define KIV_TOOLS_NETWORKDEVICESCANNER_H
 
-#include "CollectedStatus.h"
-#include "DefaultGatewayTable.h"
+#include <StatusCollector/CollectedStatus.h>
+#include <StatusCollector/DefaultGatewayTable.h>
 
 #include <string>
 #include <vector>

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StatusCollector.h"
+#include <StatusCollector/StatusCollector.h>
 
-#include "AtomicFileWriter.h"
-#include "DefaultGatewayTable.h"
-#include "DrmOutputScanner.h"
-#include "ModelCodeSetting.h"
-#include "NetworkDeviceScanner.h"
+#include <KivClosed/AtomicFileWriter.h>
+#include <StatusCollector/DefaultGatewayTable.h>
+#include <StatusCollector/DrmOutputScanner.h>
+#include <StatusCollector/ModelCodeSetting.h>
+#include <StatusCollector/NetworkDeviceScanner.h>
 
 #include <cerrno>
 #include <cstring>

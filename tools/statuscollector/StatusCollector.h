@@ -16,7 +16,7 @@
 #ifndef KIV_TOOLS_STATUSCOLLECTOR_H
 #define KIV_TOOLS_STATUSCOLLECTOR_H
 
-#include "CollectedStatus.h"
+#include <StatusCollector/CollectedStatus.h>
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StatusDocument.h"
+#include <StatusCollector/StatusDocument.h>
 
 #include <pugixml.hpp>
 #include <sstream>

@@ -11,7 +11,7 @@
 #ifndef KIV_TOOLS_STATUSDOCUMENT_H
 #define KIV_TOOLS_STATUSDOCUMENT_H
 
-#include "CollectedStatus.h"
+#include <StatusCollector/CollectedStatus.h>
 
 #include <string>
 

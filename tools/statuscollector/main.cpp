@@ -5,9 +5,9 @@
 // stays) or when something other than a regular file is at its path (that is
 // left alone), 2 for a command line it does not understand.
 
-#include "CollectorOptions.h"
-#include "StatusCollector.h"
-#include "StatusDocument.h"
+#include <StatusCollector/CollectorOptions.h>
+#include <StatusCollector/StatusCollector.h>
+#include <StatusCollector/StatusDocument.h>
 
 #include <cstdio>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PamConversation.h"
+#include <KivPlr/accounts/PamConversation.h>
 
 #include <gtest/gtest.h>
 

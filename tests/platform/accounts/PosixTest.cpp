@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "FakeTimeOffsetCalculator.h"
-#include "PassiveThreadObserver.h"
-#include "Posix.h"
-#include "PosixLock.h"
-#include "PosixResultPassFail.h"
-#include "PosixSemaphore.h"
-#include "PosixSharedLock.h"
-#include "PosixThread.h"
-#include "PosixThreadPriorityMap.h"
-#include "SmartPtr.h"
+#include <KivPlr/accounts/Posix.h>
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PassiveThreadObserver.h>
+#include <KivPlr/sync/PosixLock.h>
+#include <KivPlr/sync/PosixSemaphore.h>
+#include <KivPlr/sync/PosixSharedLock.h>
+#include <KivPlr/sync/PosixThread.h>
+#include <KivPlr/sync/PosixThreadPriorityMap.h>
+#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

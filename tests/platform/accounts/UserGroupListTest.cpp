@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "RecordingShellTools.h"
-#include "UserGroupList.h"
+#include <KivPlr/accounts/UserGroupList.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/RecordingShellTools.h>
 
 #include <gtest/gtest.h>
 

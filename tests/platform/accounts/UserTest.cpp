@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "ChildProcess.h"
-#include "ExclusiveFileLock.h"
-#include "Emulation.h"
-#include "InnerTest.h"
-#include "MountNamespace.h"
-#include "NullReference.h"
-#include "RecordingShellTools.h"
-#include "SmartPtr.h"
-#include "TemporaryDirectory.h"
-#include "ThrowawayAccounts.h"
-#include "User.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivPlr/accounts/User.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/ExclusiveFileLock.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/InnerTest.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/RecordingShellTools.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/ThrowawayAccounts.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "InterfaceIdentifiers.h"
+#include <KivPlr/core/InterfaceIdentifiers.h>
 
 #include <gtest/gtest.h>
 

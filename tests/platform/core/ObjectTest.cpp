@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "Object.h"
-#include "ReferenceCounter.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/ReferenceCounter.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

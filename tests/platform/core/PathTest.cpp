@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "Path.h"
+#include <KivPlr/core/Path.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "Platform.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Platform.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

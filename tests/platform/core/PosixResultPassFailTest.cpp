@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "NullReference.h"
-#include "PosixResultPassFail.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Object.h"
-#include "ReferenceCounter.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/ReferenceCounter.h>
+#include <KivPlr/core/SmartPtr.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "Object.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivTest/ChildProcess.h>
 
 #include <gtest/gtest.h>
 

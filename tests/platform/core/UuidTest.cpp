@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Uuid.h"
+#include <KivPlr/core/Uuid.h>
 
 #include <gtest/gtest.h>
 

@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "DirectoryReading.h"
-#include "DirectoryManager.h"
-#include "Emulation.h"
-#include "FatalMessage.h"
-#include "LinuxDirectoryPosition.h"
-#include "MountNamespace.h"
-#include "NullReference.h"
-#include "OpenDescriptors.h"
-#include "SmartPtr.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/DirectoryManager.h>
+#include <KivPlr/io/LinuxDirectoryPosition.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/DirectoryReading.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/OpenDescriptors.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DirectoryReading.h"
-#include "FatalMessage.h"
-#include "LinuxDirectoryPosition.h"
-#include "NullReference.h"
-#include "OpenDescriptors.h"
-#include "SmartPtr.h"
-#include "TemporaryDirectory.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/LinuxDirectoryPosition.h>
+#include <KivTest/DirectoryReading.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/OpenDescriptors.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "FakeSyslogSocket.h"
-#include "FatalMessage.h"
-#include "Log.h"
-#include "LogManager.h"
-#include "NullReference.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/Log.h>
+#include <KivPlr/io/LogManager.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/FakeSyslogSocket.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ChildProcess.h"
-#include "FatalMessage.h"
-#include "FileManager.h"
-#include "NullReference.h"
-#include "SmartPtr.h"
-#include "StreamReader.h"
-#include "TemporaryDirectory.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/io/FileManager.h>
+#include <KivPlr/io/StreamReader.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

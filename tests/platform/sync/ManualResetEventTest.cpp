@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FakeTimeOffsetCalculator.h"
-#include "FatalMessage.h"
-#include "ManualResetEvent.h"
-#include "PosixLock.h"
-#include "PosixResultPassFail.h"
-#include "RecordingLock.h"
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/sync/ManualResetEvent.h>
+#include <KivPlr/sync/PosixLock.h>
+#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/RecordingLock.h>
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "PassiveThreadObserver.h"
-#include "SmartPtr.h"
-#include "ThreadBase.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PassiveThreadObserver.h>
+#include <KivPlr/sync/ThreadBase.h>
 
 #include <gtest/gtest.h>
 

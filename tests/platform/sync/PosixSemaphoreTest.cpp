@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "NullReference.h"
-#include "FakeTimeOffsetCalculator.h"
-#include "FatalMessage.h"
-#include "PosixResultPassFail.h"
-#include "PosixSemaphore.h"
-#include "RecordingResultConverter.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PosixSemaphore.h>
+#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
+#include <KivTest/RecordingResultConverter.h>
 
 #include <gtest/gtest.h>
 

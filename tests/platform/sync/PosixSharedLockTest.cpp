@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "PosixSharedLock.h"
-#include "RecordingResultConverter.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PosixSharedLock.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/RecordingResultConverter.h>
 
 #include <gtest/gtest.h>
 

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "NullReference.h"
-#include "FatalMessage.h"
-#include "LinuxPlatform.h"
-#include "PassiveThreadObserver.h"
-#include "PosixResultPassFail.h"
-#include "PosixThread.h"
-#include "PosixThreadPriorityMap.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/LinuxPlatform.h>
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PassiveThreadObserver.h>
+#include <KivPlr/sync/PosixThread.h>
+#include <KivPlr/sync/PosixThreadPriorityMap.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

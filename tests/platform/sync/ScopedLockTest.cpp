@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FakeTimeOffsetCalculator.h"
-#include "FatalMessage.h"
-#include "PosixLock.h"
-#include "PosixResultPassFail.h"
-#include "RecordingLock.h"
-#include "ReferenceCounter.h"
-#include "ScopedLock.h"
+#include <KivPlr/core/PosixResultPassFail.h>
+#include <KivPlr/core/ReferenceCounter.h>
+#include <KivPlr/sync/PosixLock.h>
+#include <KivPlr/sync/ScopedLock.h>
+#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/RecordingLock.h>
 
 #include <gtest/gtest.h>
 

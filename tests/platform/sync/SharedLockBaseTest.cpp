@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "SharedLockBase.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/SharedLockBase.h>
 
 #include <gtest/gtest.h>
 

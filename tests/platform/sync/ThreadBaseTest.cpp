@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "PassiveThreadObserver.h"
-#include "SmartPtr.h"
-#include "ThreadBase.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/PassiveThreadObserver.h>
+#include <KivPlr/sync/ThreadBase.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ClockBase.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/time/ClockBase.h>
 
 #include <gtest/gtest.h>
 

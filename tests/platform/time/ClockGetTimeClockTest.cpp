@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ClockGetTimeClock.h"
-#include "FakeTimeProvider.h"
-#include "FatalMessage.h"
-#include "ILock.h"
-#include "Object.h"
-#include "PosixCurrentTime.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/Object.h>
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/sync/ILock.h>
+#include <KivPlr/time/ClockGetTimeClock.h>
+#include <KivPlr/time/PosixCurrentTime.h>
+#include <KivTest/FakeTimeProvider.h>
+#include <KivTest/FatalMessage.h>
 
 #include <gtest/gtest.h>
 

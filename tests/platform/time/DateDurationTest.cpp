@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DateDuration.h"
+#include <KivPlr/time/DateDuration.h>
 
 #include <gtest/gtest.h>
 

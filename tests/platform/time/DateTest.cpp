@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "NullReference.h"
-#include "Date.h"
-#include "FatalMessage.h"
+#include <KivPlr/time/Date.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Epoch.h"
+#include <KivPlr/time/Epoch.h>
 
 #include <gtest/gtest.h>
 

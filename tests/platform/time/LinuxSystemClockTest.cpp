@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "Capabilities.h"
-#include "ChildProcess.h"
-#include "Epoch.h"
-#include "LinuxSystemClock.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/time/Epoch.h>
+#include <KivPlr/time/LinuxSystemClock.h>
+#include <KivTest/Capabilities.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "NullReference.h"
-#include "ChildProcess.h"
-#include "FakeTimeProvider.h"
-#include "PosixCurrentTime.h"
-#include "PosixTimeOffsetCalculator.h"
-#include "SmartPtr.h"
+#include <KivPlr/core/SmartPtr.h>
+#include <KivPlr/time/PosixCurrentTime.h>
+#include <KivPlr/time/PosixTimeOffsetCalculator.h>
+#include <KivTest/ChildProcess.h>
+#include <KivTest/FakeTimeProvider.h>
+#include <KivTest/FatalMessage.h>
+#include <KivTest/NullReference.h>
 
 #include <gtest/gtest.h>
 

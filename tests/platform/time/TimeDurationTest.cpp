@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "FatalMessage.h"
-#include "TimeDuration.h"
+#include <KivPlr/time/TimeDuration.h>
+#include <KivTest/FatalMessage.h>
 
 #include <gtest/gtest.h>
 

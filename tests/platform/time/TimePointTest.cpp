@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "Epoch.h"
-#include "FatalMessage.h"
-#include "TimePoint.h"
+#include <KivPlr/time/Epoch.h>
+#include <KivPlr/time/TimePoint.h>
+#include <KivTest/FatalMessage.h>
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 // discovery-check answers --help and --version on standard output, as the
 // command-line conventions of packaged programs expect.
 
-#include "Emulation.h"
-#include "ShellCommand.h"
+#include <KivTest/Emulation.h>
+#include <KivTest/ShellCommand.h>
 
 #include <gtest/gtest.h>
 

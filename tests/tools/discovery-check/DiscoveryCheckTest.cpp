@@ -2,13 +2,13 @@
 // Tests of the discovery-check program, run as a separate process (through
 // qemu-arm in the armhf lane).
 
-#include "BadRecordFiles.h"
-#include "Discovery.h"
-#include "Emulation.h"
+#include <KivDiscoveryClient/Discovery.h>
+#include <KivTest/BadRecordFiles.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
 #include "PublishedMetadataText.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "CollectorOptions.h"
+#include <StatusCollector/CollectorOptions.h>
 
 #include <gtest/gtest.h>
 #include <vector>

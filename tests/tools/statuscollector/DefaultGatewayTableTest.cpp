@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DefaultGatewayTable.h"
+#include <StatusCollector/DefaultGatewayTable.h>
 
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
 
 #include <arpa/inet.h>
 #include <cstdio>

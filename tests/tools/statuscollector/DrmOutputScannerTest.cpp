@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "DrmOutputScanner.h"
+#include <StatusCollector/DrmOutputScanner.h>
 
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

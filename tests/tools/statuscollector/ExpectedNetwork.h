@@ -12,8 +12,8 @@
 #ifndef KIV_TESTS_EXPECTEDNETWORK_H
 #define KIV_TESTS_EXPECTEDNETWORK_H
 
-#include "CollectedStatus.h"
-#include "ShellCommand.h"
+#include <KivTest/ShellCommand.h>
+#include <StatusCollector/CollectedStatus.h>
 
 #include <optional>
 #include <sstream>

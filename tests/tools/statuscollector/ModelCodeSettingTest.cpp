@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "ModelCodeSetting.h"
+#include <StatusCollector/ModelCodeSetting.h>
 
-#include "CollectedStatus.h"
+#include <StatusCollector/CollectedStatus.h>
 
 #include <cstdlib>
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "NetworkDeviceScanner.h"
+#include <StatusCollector/NetworkDeviceScanner.h>
 
 #include "ExpectedNetwork.h"
 

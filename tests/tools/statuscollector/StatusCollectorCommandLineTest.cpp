@@ -2,10 +2,10 @@
 // statuscollector answers --help and --version on standard output and then
 // collects nothing.
 
-#include "DirectoryListing.h"
-#include "Emulation.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
 
 #include <gtest/gtest.h>
 

@@ -2,13 +2,13 @@
 // Tests of the statuscollector program as the daemon runs it: command line,
 // diagnostics, the snapshot it writes and where.
 
-#include "CStatus.h"
-#include "DirectoryListing.h"
-#include "Emulation.h"
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/Emulation.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/ShellCommand.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <VpSts/CStatus.h>
 #include "ExpectedNetwork.h"
-#include "MountNamespace.h"
-#include "ShellCommand.h"
-#include "TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <functional>

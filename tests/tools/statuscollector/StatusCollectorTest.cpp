@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StatusCollector.h"
+#include <StatusCollector/StatusCollector.h>
 
-#include "ChildProcess.h"
-#include "DirectoryListing.h"
-#include "DrmOutputScanner.h"
-#include "ModelCodeSetting.h"
-#include "MountNamespace.h"
-#include "NetworkDeviceScanner.h"
-#include "TemporaryDirectory.h"
-#include "WorkingDirectoryGuard.h"
+#include <KivTest/ChildProcess.h>
+#include <KivTest/DirectoryListing.h>
+#include <KivTest/MountNamespace.h>
+#include <KivTest/TemporaryDirectory.h>
+#include <KivTest/WorkingDirectoryGuard.h>
+#include <StatusCollector/DrmOutputScanner.h>
+#include <StatusCollector/ModelCodeSetting.h>
+#include <StatusCollector/NetworkDeviceScanner.h>
 
 #include <algorithm>
 #include <cstdio>

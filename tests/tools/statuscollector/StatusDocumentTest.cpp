@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "StatusDocument.h"
+#include <StatusCollector/StatusDocument.h>
 
-#include "CStatus.h"
-#include "TemporaryDirectory.h"
+#include <KivTest/TemporaryDirectory.h>
+#include <VpSts/CStatus.h>
 
 #include <gtest/gtest.h>
 
