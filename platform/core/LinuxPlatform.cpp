@@ -13,8 +13,8 @@
 #include <KivPlr/sync/PosixThreadPriorityMap.h>
 #include <KivPlr/time/ClockGetTimeClock.h>
 #include <KivPlr/time/LinuxSystemClock.h>
-#include <KivPlr/time/PosixCurrentTime.h>
-#include <KivPlr/time/PosixTimeOffsetCalculator.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
+#include <KivPlr/time/PosixTimespecOffsetCalculator.h>
 
 #include <ctime>
 

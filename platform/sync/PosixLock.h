@@ -17,7 +17,7 @@
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/LockBase.h>
-#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
+#include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
 #include <pthread.h>
 

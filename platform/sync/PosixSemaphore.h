@@ -15,7 +15,7 @@
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/SemaphoreBase.h>
-#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
+#include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
 #include <semaphore.h>
 

@@ -14,7 +14,7 @@
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/ILock.h>
 #include <KivPlr/time/ClockBase.h>
-#include <KivPlr/time/IPosixTimeProvider.h>
+#include <KivPlr/time/IPosixTimespecProvider.h>
 
 #include <cstdint>
 #include <ctime>

@@ -8,7 +8,7 @@
 #include <KivPlr/sync/PosixSharedLock.h>
 #include <KivPlr/sync/PosixThread.h>
 #include <KivPlr/sync/PosixThreadPriorityMap.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 
@@ -24,7 +24,7 @@ class PosixTest : public ::testing::Test
 {
 protected:
     SmartPtr<IPosix> posix{new Posix};
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimeOffsetCalculator};
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimespecOffsetCalculator};
     SmartPtr<IResultConverter> converter{new PosixResultPassFail};
 };
 

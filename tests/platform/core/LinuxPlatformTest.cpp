@@ -17,8 +17,8 @@
 #include <KivPlr/sync/ScopedLock.h>
 #include <KivPlr/time/ClockGetTimeClock.h>
 #include <KivPlr/time/LinuxSystemClock.h>
-#include <KivPlr/time/PosixCurrentTime.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 

@@ -2,7 +2,7 @@
 #include <KivPlr/core/PosixResultPassFail.h>
 #include <KivPlr/sync/ManualResetEvent.h>
 #include <KivPlr/sync/PosixLock.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/RecordingLock.h>
 
@@ -24,7 +24,7 @@ namespace {
 class ManualResetEventOnARealMonitor : public ::testing::Test
 {
 protected:
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimeOffsetCalculator};
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator{new KivTest::FakeTimespecOffsetCalculator};
     SmartPtr<IResultConverter> converter{new PosixResultPassFail};
     SmartPtr<ILock> lock{new PosixLock(calculator.Get(), converter.Get())};
     SmartPtr<IManualResetEvent> event{new ManualResetEvent(lock.Get())};

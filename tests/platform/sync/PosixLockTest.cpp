@@ -2,7 +2,7 @@
 #include <KivPlr/core/PosixResultPassFail.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/PosixLock.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 #include <KivTest/RecordingResultConverter.h>
@@ -17,7 +17,7 @@
 #include <vector>
 
 using namespace KivPlr;
-using KivTest::FakeTimeOffsetCalculator;
+using KivTest::FakeTimespecOffsetCalculator;
 using KivTest::RecordingResultConverter;
 
 namespace {
@@ -25,7 +25,7 @@ namespace {
 class PosixLockTest : public ::testing::Test
 {
 protected:
-    SmartPtr<FakeTimeOffsetCalculator> calculator{new FakeTimeOffsetCalculator};
+    SmartPtr<FakeTimespecOffsetCalculator> calculator{new FakeTimespecOffsetCalculator};
     SmartPtr<RecordingResultConverter> converter{new RecordingResultConverter};
     SmartPtr<ILock> lock{new PosixLock(calculator.Get(), converter.Get())};
 };
@@ -265,7 +265,7 @@ TEST_F(PosixLockTest, ProducersAndConsumersLoseNoItemWithNotifyAll)
 
 TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(lock->NotifyOne(result), L"SmartPtr<T>-> NULL reference");
@@ -274,7 +274,7 @@ TEST(PosixLockFatalTest, NotifyWithoutAConverterIsFatal)
 
 TEST(PosixLockFatalTest, WaitWithoutAConverterIsFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(lock->Lock(); lock->Wait(result), L"SmartPtr<T>-> NULL reference");
@@ -295,7 +295,7 @@ namespace {
 // whose results go through the converter the platform gives its locks.
 SmartPtr<ILock> LockWithTheRealConverter()
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     return SmartPtr<ILock>(new PosixLock(calculator.Get(), converter.Get()));
 }

@@ -2,7 +2,7 @@
 #include <KivPlr/core/PosixResultPassFail.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/PosixSemaphore.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 #include <KivTest/RecordingResultConverter.h>
@@ -13,7 +13,7 @@
 #include <vector>
 
 using namespace KivPlr;
-using KivTest::FakeTimeOffsetCalculator;
+using KivTest::FakeTimespecOffsetCalculator;
 using KivTest::RecordingResultConverter;
 
 namespace {
@@ -21,7 +21,7 @@ namespace {
 class PosixSemaphoreTest : public ::testing::Test
 {
 protected:
-    SmartPtr<FakeTimeOffsetCalculator> calculator{new FakeTimeOffsetCalculator};
+    SmartPtr<FakeTimespecOffsetCalculator> calculator{new FakeTimespecOffsetCalculator};
     SmartPtr<RecordingResultConverter> converter{new RecordingResultConverter};
     SmartPtr<ISemaphore> semaphore{new PosixSemaphore(calculator.Get(), converter.Get())};
 };
@@ -123,7 +123,7 @@ TEST_F(PosixSemaphoreTest, EveryPostWakesOneWaiterAcrossFourThreads)
 
 TEST(PosixSemaphoreFatalTest, WaitsWithoutAConverterAreFatal)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<ISemaphore> semaphore(new PosixSemaphore(calculator.Get(), nullptr));
     _Result result = ResultPass;
     EXPECT_FATAL_MESSAGE(semaphore->Wait(result), L"SmartPtr<T>-> NULL reference");
@@ -135,7 +135,7 @@ TEST(PosixSemaphoreFatalTest, WaitsWithANullResultReferenceEndThroughTheConverte
     // One post first, so the waits without time-out return at once; the
     // fake calculator's deadline is 1970, so the timed wait on an empty
     // semaphore fails at once.
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ISemaphore> semaphore(new PosixSemaphore(calculator.Get(), converter.Get()));
     const wchar_t* const message = L"PosixResultPasFail: result NULL reference.";

@@ -3,7 +3,7 @@
 #include <KivPlr/core/ReferenceCounter.h>
 #include <KivPlr/sync/PosixLock.h>
 #include <KivPlr/sync/ScopedLock.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/RecordingLock.h>
 
@@ -66,7 +66,7 @@ TEST(ScopedLockTest, UnlocksWhenAnExceptionLeavesTheBlock)
 
 TEST(ScopedLockTest, ARealLockIsFreeAgainAfterAnException)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimespecOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), converter.Get()));
     EXPECT_THROW(ThrowUnder(lock), std::runtime_error);

@@ -2,7 +2,7 @@
 #include <KivPlr/core/PosixResultPassFail.h>
 #include <KivPlr/sync/PosixLock.h>
 #include <KivPlr/sync/WaitEvent.h>
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/RecordingLock.h>
 
@@ -54,7 +54,7 @@ TEST(WaitEventTest, SignalNotifiesAllUnderTheLock)
 
 TEST(WaitEventTest, SignalWakesAThreadWaitingOnARealMonitor)
 {
-    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimeOffsetCalculator);
+    SmartPtr<IPosixTimespecOffsetCalculator> calculator(new KivTest::FakeTimespecOffsetCalculator);
     SmartPtr<IResultConverter> converter(new PosixResultPassFail);
     SmartPtr<ILock> lock(new PosixLock(calculator.Get(), converter.Get()));
     SmartPtr<IWaitEvent> event(new WaitEvent(lock.Get()));

@@ -3,8 +3,8 @@
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/ILock.h>
 #include <KivPlr/time/ClockGetTimeClock.h>
-#include <KivPlr/time/PosixCurrentTime.h>
-#include <KivTest/FakeTimeProvider.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
+#include <KivTest/FakeTimespecProvider.h>
 #include <KivTest/FatalMessage.h>
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 #include <ctime>
 
 using namespace KivPlr;
-using KivTest::FakeTimeProvider;
+using KivTest::FakeTimespecProvider;
 
 namespace {
 
@@ -32,13 +32,13 @@ public:
 
 struct FakeClock
 {
-    FakeTimeProvider* fake;
+    FakeTimespecProvider* fake;
     SmartPtr<IClock> clock;
 };
 
 FakeClock StartedAt(time_t seconds, long nanoseconds)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider(seconds, nanoseconds);
+    FakeTimespecProvider* fake = new FakeTimespecProvider(seconds, nanoseconds);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     return FakeClock{fake, SmartPtr<IClock>(new ClockGetTimeClock(new IdleLock, provider))};
 }
@@ -48,7 +48,7 @@ FakeClock StartedAt(time_t seconds, long nanoseconds)
 TEST(ClockGetTimeClockTest, NewClockHasCountZeroAndHoldsItsLockAndProvider)
 {
     SmartPtr<ILock> lock(new IdleLock);
-    SmartPtr<IPosixTimespecProvider> provider(new FakeTimeProvider);
+    SmartPtr<IPosixTimespecProvider> provider(new FakeTimespecProvider);
     ClockGetTimeClock* clock = new ClockGetTimeClock(lock, provider);
     IClock* asInterface = clock;
     EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
@@ -65,7 +65,7 @@ TEST(ClockGetTimeClockTest, NewClockHasCountZeroAndHoldsItsLockAndProvider)
 
 TEST(ClockGetTimeClockTest, StartTimeIsTakenAtCreation)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider(42, 7);
+    FakeTimespecProvider* fake = new FakeTimespecProvider(42, 7);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     ClockGetTimeClock* clock = new ClockGetTimeClock(new IdleLock, provider);
     SmartPtr<IClock> owner(clock);

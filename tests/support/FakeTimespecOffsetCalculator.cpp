@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <KivTest/FakeTimeOffsetCalculator.h>
+#include <KivTest/FakeTimespecOffsetCalculator.h>
 
 namespace KivTest {
 
-void FakeTimeOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds,
+void FakeTimespecOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds,
                                                    struct timespec& deadline)
 {
     std::lock_guard<std::mutex> hold(mutex);
@@ -11,13 +11,13 @@ void FakeTimeOffsetCalculator::ComputeDeadline(std::uint32_t timeoutMilliseconds
     deadline = answer;
 }
 
-void FakeTimeOffsetCalculator::SetDeadline(const struct timespec& deadline)
+void FakeTimespecOffsetCalculator::SetDeadline(const struct timespec& deadline)
 {
     std::lock_guard<std::mutex> hold(mutex);
     answer = deadline;
 }
 
-struct timespec FakeTimeOffsetCalculator::SetDeadlineFromNow(std::uint32_t milliseconds)
+struct timespec FakeTimespecOffsetCalculator::SetDeadlineFromNow(std::uint32_t milliseconds)
 {
     struct timespec deadline = RealTimeNow();
     deadline.tv_sec += static_cast<time_t>(milliseconds / 1000u);
@@ -30,7 +30,7 @@ struct timespec FakeTimeOffsetCalculator::SetDeadlineFromNow(std::uint32_t milli
     return deadline;
 }
 
-std::vector<std::uint32_t> FakeTimeOffsetCalculator::Requests()
+std::vector<std::uint32_t> FakeTimespecOffsetCalculator::Requests()
 {
     std::lock_guard<std::mutex> hold(mutex);
     return requests;

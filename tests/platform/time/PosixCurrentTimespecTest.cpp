@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/core/SmartPtr.h>
-#include <KivPlr/time/PosixCurrentTime.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// IPosixTimeProvider.h - IPosixTimespecProvider: a source of the current POSIX time.
+// IPosixTimespecProvider.h - IPosixTimespecProvider: a source of the current POSIX time.
 //
 // The implementation reads one POSIX clock, chosen when it is made
 // (CLOCK_REALTIME for the deadlines of locks and semaphores, CLOCK_MONOTONIC
@@ -9,8 +9,8 @@
 //   if (provider->GetCurrentTime(now) != 0) { /* errno tells why */ }
 //
 // Holds no mutable state; any thread may call it.
-#ifndef KIVPLR_IPOSIXTIMEPROVIDER_H
-#define KIVPLR_IPOSIXTIMEPROVIDER_H
+#ifndef KIVPLR_IPOSIXTIMESPECPROVIDER_H
+#define KIVPLR_IPOSIXTIMESPECPROVIDER_H
 
 #include <KivPlr/core/IObject.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <KivPlr/time/PosixCurrentTime.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
 
 #include <KivPlr/core/FatalError.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <KivPlr/time/PosixTimeOffsetCalculator.h>
+#include <KivPlr/time/PosixTimespecOffsetCalculator.h>
 
 #include <KivPlr/core/FatalError.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PosixCurrentTime.h - PosixCurrentTimespec: reads one POSIX clock, chosen at construction.
+// PosixCurrentTimespec.h - PosixCurrentTimespec: reads one POSIX clock, chosen at construction.
 //
 // The platform factory makes one per lock or semaphore (CLOCK_REALTIME, the
 // clock that sem_timedwait and pthread_cond_timedwait measure deadlines on)
@@ -9,11 +9,11 @@
 //   SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
 //   struct timespec now;
 //   provider->GetCurrentTime(now);
-#ifndef KIVPLR_POSIXCURRENTTIME_H
-#define KIVPLR_POSIXCURRENTTIME_H
+#ifndef KIVPLR_POSIXCURRENTTIMESPEC_H
+#define KIVPLR_POSIXCURRENTTIMESPEC_H
 
 #include <KivPlr/core/Object.h>
-#include <KivPlr/time/IPosixTimeProvider.h>
+#include <KivPlr/time/IPosixTimespecProvider.h>
 
 #include <ctime>
 

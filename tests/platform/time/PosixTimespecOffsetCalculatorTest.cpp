@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/core/SmartPtr.h>
-#include <KivPlr/time/PosixCurrentTime.h>
-#include <KivPlr/time/PosixTimeOffsetCalculator.h>
+#include <KivPlr/time/PosixCurrentTimespec.h>
+#include <KivPlr/time/PosixTimespecOffsetCalculator.h>
 #include <KivTest/ChildProcess.h>
-#include <KivTest/FakeTimeProvider.h>
+#include <KivTest/FakeTimespecProvider.h>
 #include <KivTest/FatalMessage.h>
 #include <KivTest/NullReference.h>
 
@@ -13,13 +13,13 @@
 #include <ctime>
 
 using namespace KivPlr;
-using KivTest::FakeTimeProvider;
+using KivTest::FakeTimespecProvider;
 
 namespace {
 
 struct timespec DeadlineAt(time_t seconds, long nanoseconds, std::uint32_t timeoutMilliseconds)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider(seconds, nanoseconds);
+    FakeTimespecProvider* fake = new FakeTimespecProvider(seconds, nanoseconds);
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(fake));
     struct timespec deadline = {-1, -1};
     calculator->ComputeDeadline(timeoutMilliseconds, deadline);
@@ -47,7 +47,7 @@ std::int64_t ToNanoseconds(const struct timespec& time)
 
 TEST(PosixTimespecOffsetCalculatorTest, NewCalculatorHasCountZeroAndHoldsItsProvider)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider;
+    FakeTimespecProvider* fake = new FakeTimespecProvider;
     SmartPtr<IPosixTimespecProvider> provider(fake);
     PosixTimespecOffsetCalculator* calculator = new PosixTimespecOffsetCalculator(provider);
     IPosixTimespecOffsetCalculator* asInterface = calculator;
@@ -99,7 +99,7 @@ TEST(PosixTimespecOffsetCalculatorTest, NoTimeoutValueIsAddedLikeAnyOther)
 
 TEST(PosixTimespecOffsetCalculatorTest, ReadsTheProviderOncePerDeadline)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider(1, 0);
+    FakeTimespecProvider* fake = new FakeTimespecProvider(1, 0);
     SmartPtr<IPosixTimespecProvider> provider(fake);
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(provider));
     struct timespec deadline;
@@ -113,7 +113,7 @@ TEST(PosixTimespecOffsetCalculatorTest, ReadsTheProviderOncePerDeadline)
 
 TEST(PosixTimespecOffsetCalculatorTest, FailingProviderCountsFromTimeZero)
 {
-    FakeTimeProvider* fake = new FakeTimeProvider(50, 0);
+    FakeTimespecProvider* fake = new FakeTimespecProvider(50, 0);
     fake->Fail();
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(fake));
     struct timespec deadline = {-1, -1};
@@ -147,7 +147,7 @@ TEST(PosixTimespecOffsetCalculatorTest, EmptyProviderExitsSilently)
 TEST(PosixTimespecOffsetCalculatorTest, ANullDeadlineReferenceIsFatal)
 {
     SmartPtr<IPosixTimespecOffsetCalculator> calculator(
-        new PosixTimespecOffsetCalculator(SmartPtr<IPosixTimespecProvider>(new FakeTimeProvider(10, 0))));
+        new PosixTimespecOffsetCalculator(SmartPtr<IPosixTimespecProvider>(new FakeTimespecProvider(10, 0))));
     EXPECT_FATAL_MESSAGE(KivTest::WithNullReference<struct timespec>(
                              [&](struct timespec& none) { calculator->ComputeDeadline(10, none); }),
                          L"PosixTimespecOffsetCalculator: deadline NULL reference.");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// PosixTimeOffsetCalculator.h - PosixTimespecOffsetCalculator: turns a time-out in milliseconds into an
+// PosixTimespecOffsetCalculator.h - PosixTimespecOffsetCalculator: turns a time-out in milliseconds into an
 // absolute struct timespec deadline read from a timespec provider.
 //
 // The platform factory makes one for every lock and semaphore, over a new
@@ -10,13 +10,13 @@
 //       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)));
 //   struct timespec deadline;
 //   calculator->ComputeDeadline(250, deadline);   // now + 250 ms
-#ifndef KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
-#define KIVPLR_POSIXTIMEOFFSETCALCULATOR_H
+#ifndef KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
+#define KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
 
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/SmartPtr.h>
-#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
-#include <KivPlr/time/IPosixTimeProvider.h>
+#include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
+#include <KivPlr/time/IPosixTimespecProvider.h>
 
 #include <cstdint>
 #include <ctime>

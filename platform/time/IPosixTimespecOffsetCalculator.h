@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// IPosixTimeOffsetCalculator.h - IPosixTimespecOffsetCalculator: turns a relative time-out into the
+// IPosixTimespecOffsetCalculator.h - IPosixTimespecOffsetCalculator: turns a relative time-out into the
 // absolute deadline that sem_timedwait and pthread_cond_timedwait take.
 //
 //   struct timespec deadline;
@@ -7,8 +7,8 @@
 //   pthread_cond_timedwait(&condition, &mutex, &deadline);
 //
 // Holds no mutable state; any thread may call it.
-#ifndef KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
-#define KIVPLR_IPOSIXTIMEOFFSETCALCULATOR_H
+#ifndef KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
+#define KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
 
 #include <KivPlr/core/IObject.h>
 

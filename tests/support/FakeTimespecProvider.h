@@ -1,29 +1,29 @@
 // SPDX-License-Identifier: Apache-2.0
-// FakeTimeProvider.h - a timespec provider whose time the test sets.
+// FakeTimespecProvider.h - a timespec provider whose time the test sets.
 //
 // Deadline and stopwatch tests hand it to the object under test and move its
 // time by hand; it counts the reads and can be told to fail like a
 // clock_gettime on an unknown clock:
 //
-//   FakeTimeProvider* fake = new FakeTimeProvider(10, 999000000);
+//   FakeTimespecProvider* fake = new FakeTimespecProvider(10, 999000000);
 //   PosixTimespecOffsetCalculator calculator(fake);
 //   fake->Set(11, 0);
 //
 // Single-threaded use only.
-#ifndef KIV_TESTS_FAKETIMEPROVIDER_H
-#define KIV_TESTS_FAKETIMEPROVIDER_H
+#ifndef KIV_TESTS_FAKETIMESPECPROVIDER_H
+#define KIV_TESTS_FAKETIMESPECPROVIDER_H
 
 #include <KivPlr/core/Object.h>
-#include <KivPlr/time/IPosixTimeProvider.h>
+#include <KivPlr/time/IPosixTimespecProvider.h>
 
 #include <ctime>
 
 namespace KivTest {
 
-class FakeTimeProvider : private KivPlr::Object, public KivPlr::IPosixTimespecProvider
+class FakeTimespecProvider : private KivPlr::Object, public KivPlr::IPosixTimespecProvider
 {
 public:
-    FakeTimeProvider(time_t seconds = 0, long nanoseconds = 0) { Set(seconds, nanoseconds); }
+    FakeTimespecProvider(time_t seconds = 0, long nanoseconds = 0) { Set(seconds, nanoseconds); }
 
     void Set(time_t seconds, long nanoseconds)
     {

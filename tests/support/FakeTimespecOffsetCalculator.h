@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// FakeTimeOffsetCalculator.h - a time-out calculator for tests that
+// FakeTimespecOffsetCalculator.h - a time-out calculator for tests that
 // records every time-out it is asked for and answers with a deadline the
 // test chose.
 //
@@ -7,22 +7,22 @@
 // starts at 1970-01-01 00:00:00, long past, so a timed wait over it times out
 // at once.
 //
-//   SmartPtr<FakeTimeOffsetCalculator> calculator(new FakeTimeOffsetCalculator);
+//   SmartPtr<FakeTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
 //   calculator->SetDeadlineFromNow(50);          // CLOCK_REALTIME + 50 ms
 //   lock->Wait(1234, result);
 //   EXPECT_EQ(calculator->Requests(), std::vector<std::uint32_t>{1234});
-#ifndef KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
-#define KIV_TESTS_FAKETIMEOFFSETCALCULATOR_H
+#ifndef KIV_TESTS_FAKETIMESPECOFFSETCALCULATOR_H
+#define KIV_TESTS_FAKETIMESPECOFFSETCALCULATOR_H
 
 #include <KivPlr/core/Object.h>
-#include <KivPlr/time/IPosixTimeOffsetCalculator.h>
+#include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
 #include <mutex>
 #include <vector>
 
 namespace KivTest {
 
-class FakeTimeOffsetCalculator : public KivPlr::Object,
+class FakeTimespecOffsetCalculator : public KivPlr::Object,
                                      public KivPlr::IPosixTimespecOffsetCalculator
 {
 public:
