@@ -22,19 +22,14 @@ set(KIV_PUBLIC_INCLUDE_DIR ${PROJECT_BINARY_DIR}/include)
 set(KIV_PRIVATE_INCLUDE_DIR ${PROJECT_BINARY_DIR}/include-private)
 
 # Links left over from a header that was renamed or moved would keep a stale
-# spelling compiling; drop every staged link before the folders stage theirs.
-foreach(_kiv_root IN ITEMS ${KIV_PUBLIC_INCLUDE_DIR} ${KIV_PRIVATE_INCLUDE_DIR})
-    file(GLOB_RECURSE _kiv_staged LIST_DIRECTORIES false ${_kiv_root}/*)
-    foreach(_kiv_link IN LISTS _kiv_staged)
-        if(IS_SYMLINK ${_kiv_link})
-            file(REMOVE ${_kiv_link})
-        endif()
-    endforeach()
-endforeach()
+# spelling compiling: both roots hold nothing but links (generated headers are
+# linked in too), so they are emptied before the folders stage theirs. Only
+# the links go; the files they point to, and their times, stay as they were.
+file(REMOVE_RECURSE ${KIV_PUBLIC_INCLUDE_DIR} ${KIV_PRIVATE_INCLUDE_DIR})
 
 # kiv_stage_headers(PUBLIC|PRIVATE <prefix> <header>...)
-#   Makes each header (relative to the calling folder) includable as
-#   <prefix>/<file name> from the public or the private root.
+#   Makes each header (relative to the calling folder, or absolute) includable
+#   as <prefix>/<file name> from the public or the private root.
 function(kiv_stage_headers scope prefix)
     if(scope STREQUAL "PUBLIC")
         set(root ${KIV_PUBLIC_INCLUDE_DIR})

@@ -22,7 +22,7 @@ install(TARGETS kivplr
 
 # Headers keep the spelling they have in the tree: <KivPlr/<area>/<Class>.h>,
 # so a program's include path needs <prefix>/include and nothing below it.
-install(FILES ${KIV_PUBLIC_INCLUDE_DIR}/KivPlr/KivPlr.h
+install(FILES ${KIVPLR_UMBRELLA_HEADER}
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KivPlr COMPONENT development)
 foreach(area IN LISTS KIVPLR_AREAS)
     install(FILES ${KIVPLR_${area}_HEADERS}

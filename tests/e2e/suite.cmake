@@ -5,7 +5,10 @@
 # Built once the daemon is part of the tree.
 
 if(TARGET discoveryd)
-    kiv_add_test_suite(discoveryd_e2e_tests e2e LIBRARIES kivdiscoveryclient)
+    kiv_add_test_suite(discoveryd_e2e_tests e2e LIBRARIES kivdiscoveryclient
+        SOURCES
+        DiscoverydEndToEndTest.cpp
+        DiscoverydWithReferenceCollectorTest.cpp)
     add_dependencies(discoveryd_e2e_tests discoveryd statuscollector discovery-check)
     target_compile_definitions(discoveryd_e2e_tests PRIVATE
         KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>"

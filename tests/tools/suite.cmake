@@ -2,7 +2,17 @@
 # Tests of the programs in tools/. Each program's tests have a folder of their
 # own, so that every program gets its own test executable.
 
-kiv_add_test_suite(statuscollector_tests tools/statuscollector LIBRARIES kiv_statuscollector status)
+kiv_add_test_suite(statuscollector_tests tools/statuscollector LIBRARIES kiv_statuscollector status
+    SOURCES
+        CollectorOptionsTest.cpp
+        DefaultGatewayTableTest.cpp
+        DrmOutputScannerTest.cpp
+        ModelCodeSettingTest.cpp
+        NetworkDeviceScannerTest.cpp
+        StatusCollectorCommandLineTest.cpp
+        StatusCollectorProgramTest.cpp
+        StatusCollectorTest.cpp
+        StatusDocumentTest.cpp)
 if(TARGET statuscollector_tests)
     add_dependencies(statuscollector_tests statuscollector)
     target_compile_definitions(statuscollector_tests PRIVATE
@@ -10,7 +20,11 @@ if(TARGET statuscollector_tests)
         KIV_PROJECT_VERSION="${PROJECT_VERSION}")
 endif()
 
-kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient kiv_discovery_check)
+kiv_add_test_suite(discovery_check_tests tools/discovery-check LIBRARIES kivdiscoveryclient kiv_discovery_check
+    SOURCES
+        DiscoveryCheckCommandLineTest.cpp
+        DiscoveryCheckTest.cpp
+        PublishedMetadataTest.cpp)
 if(TARGET discovery_check_tests)
     add_dependencies(discovery_check_tests discovery-check)
     target_compile_definitions(discovery_check_tests PRIVATE

@@ -1,0 +1,69 @@
+# SPDX-License-Identifier: Apache-2.0
+# One suite per platform area, kivplr_<area>_tests, mirroring platform/<area>/.
+# Tests of private helpers (AccountTool, PamConversation, UserGroupList,
+# ScopedLock) include them from the private include root like the library does.
+
+kiv_add_test_suite(kivplr_core_tests platform/core
+    SOURCES
+        InterfaceIdentifiersTest.cpp
+        LinuxPlatformTest.cpp
+        LinuxResultConverterTest.cpp
+        ObjectTest.cpp
+        PathTest.cpp
+        PlatformTest.cpp
+        PosixResultPassFailTest.cpp
+        ReferenceCounterTest.cpp
+        ResultTest.cpp
+        SmartPtrTest.cpp
+        StringAlgorithmsTest.cpp
+        UuidGeneratorTest.cpp
+        UuidTest.cpp)
+
+kiv_add_test_suite(kivplr_io_tests platform/io
+    SOURCES
+        DirectoryManagerTest.cpp
+        FileManagerTest.cpp
+        LinuxDirectoryPositionTest.cpp
+        LinuxFileStreamTest.cpp
+        LogManagerTest.cpp
+        LogTest.cpp
+        StreamReaderTest.cpp)
+
+kiv_add_test_suite(kivplr_time_tests platform/time
+    SOURCES
+        ClockBaseTest.cpp
+        ClockGetTimeClockTest.cpp
+        DateDurationTest.cpp
+        DateTest.cpp
+        EpochTest.cpp
+        Iso8601DurationTest.cpp
+        LinuxSystemClockTest.cpp
+        PosixCurrentTimespecTest.cpp
+        PosixTimespecOffsetCalculatorTest.cpp
+        TimeDurationTest.cpp
+        TimePointTest.cpp)
+
+kiv_add_test_suite(kivplr_accounts_tests platform/accounts
+    SOURCES
+        AccountToolTest.cpp
+        PamConversationTest.cpp
+        PosixTest.cpp
+        UserGroupListTest.cpp
+        UserGroupTest.cpp
+        UserTest.cpp)
+
+kiv_add_test_suite(kivplr_sync_tests platform/sync
+    SOURCES
+        LockBaseTest.cpp
+        ManualResetEventTest.cpp
+        PassiveThreadObserverTest.cpp
+        PosixLockTest.cpp
+        PosixSemaphoreTest.cpp
+        PosixSharedLockTest.cpp
+        PosixThreadPriorityMapTest.cpp
+        PosixThreadTest.cpp
+        ScopedLockTest.cpp
+        SemaphoreBaseTest.cpp
+        SharedLockBaseTest.cpp
+        ThreadBaseTest.cpp
+        WaitEventTest.cpp)
