@@ -309,10 +309,14 @@ TEST_F(DiscoveryReplacementTest, WritersKilledMidWriteLeaveAtMostOneTemporaryFil
             alignas(struct inotify_event) char events[4096];
             ssize_t length = read(watch, events, sizeof events);
             for (ssize_t offset = 0; offset < length;) {
-                const struct inotify_event* event = reinterpret_cast<const struct inotify_event*>(events + offset);
-                if (event->len > 0 && IsTemporaryFileOf(event->name, "Management.xml"))
+                // Copied out rather than cast: on 32-bit ARM the cast would
+                // assume an alignment the compiler cannot see.
+                struct inotify_event event;
+                std::memcpy(&event, events + offset, sizeof event);
+                const char* name = events + offset + sizeof event;
+                if (event.len > 0 && IsTemporaryFileOf(name, "Management.xml"))
                     created = true;
-                offset += static_cast<ssize_t>(sizeof(struct inotify_event) + event->len);
+                offset += static_cast<ssize_t>(sizeof event + event.len);
             }
         }
         kill(writer, SIGKILL);
