@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivClosed/XmlRecordReader.h>
 
+#include <KivClosed/Quote.h>
 #include <KivClosed/XmlCharacters.h>
 #include <KivClosed/XmlWellFormedness.h>
 
@@ -17,58 +18,35 @@ namespace KivClosed {
 
 namespace {
 
-const size_t kMaximumMessages = 100;
-const size_t kLongestQuotedValue = 40;
-
-/// A value as a message shows it: quoted, control characters escaped, long
-/// values cut short.
-std::string Quote(const std::string& value)
-{
-    std::string quoted = "\"";
-    for (size_t index = 0; index < value.size() && index < kLongestQuotedValue; ++index) {
-        char current = value[index];
-        if (current == '\t')
-            quoted += "\\t";
-        else if (current == '\n')
-            quoted += "\\n";
-        else if (current == '\r')
-            quoted += "\\r";
-        else if (current == '"' || current == '\\')
-            quoted += std::string("\\") + current;
-        else
-            quoted += current;
-    }
-    if (value.size() > kLongestQuotedValue)
-        quoted += "...";
-    return quoted + "\"";
-}
+const std::size_t MaximumMessages = 100;
+const std::size_t LongestQuotedValue = 40;
 
 /// Unsigned decimal digits only, no larger than \p maximum. On failure
 /// \p fault says why, in the words that follow "attribute x of y: ".
-bool ParseDecimal(const std::string& text, uint32_t maximum, uint32_t& value, std::string& fault)
+bool ParseDecimal(const std::string& text, std::uint32_t maximum, std::uint32_t& value, std::string& fault)
 {
     if (text.empty()) {
         fault = "empty value is not a number";
         return false;
     }
-    uint64_t parsed = 0;
+    std::uint64_t parsed = 0;
     bool tooLarge = false;
     for (char digit : text) {
         if (digit < '0' || digit > '9') {
-            fault = Quote(text) + " is not an unsigned decimal number";
+            fault = Quote(text, LongestQuotedValue) + " is not an unsigned decimal number";
             return false;
         }
         if (!tooLarge) {
-            parsed = parsed * 10u + static_cast<uint64_t>(digit - '0');
+            parsed = parsed * 10u + static_cast<std::uint64_t>(digit - '0');
             tooLarge = parsed > maximum;
         }
     }
     if (tooLarge) {
-        std::string shown = text.size() > kLongestQuotedValue ? text.substr(0, kLongestQuotedValue) + "..." : text;
+        std::string shown = text.size() > LongestQuotedValue ? text.substr(0, LongestQuotedValue) + "..." : text;
         fault = shown + " is out of range 0.." + std::to_string(maximum);
         return false;
     }
-    value = static_cast<uint32_t>(parsed);
+    value = static_cast<std::uint32_t>(parsed);
     return true;
 }
 
@@ -79,24 +57,24 @@ bool IsElement(pugi::xml_node node)
 
 } // namespace
 
-XmlRecordReader::XmlRecordReader(std::string filePath, size_t maximumFile, size_t maximumText)
+XmlRecordReader::XmlRecordReader(std::string filePath, std::size_t maximumFile, std::size_t maximumText)
     : path(std::move(filePath)), maximumFileBytes(maximumFile), maximumTextBytes(maximumText)
 {
 }
 
 XmlRecordReader::~XmlRecordReader() = default;
 
-void XmlRecordReader::Record(size_t offset, const std::string& message)
+void XmlRecordReader::Record(std::size_t offset, const std::string& message)
 {
-    if (errors.size() < kMaximumMessages)
+    if (errors.size() < MaximumMessages)
         errors.emplace_back(offset, message);
-    else if (errors.size() == kMaximumMessages)
+    else if (errors.size() == MaximumMessages)
         errors.emplace_back(SIZE_MAX, path + ": further faults are not listed");
 }
 
 std::vector<std::string> XmlRecordReader::Errors() const
 {
-    std::vector<std::pair<size_t, std::string>> sorted = errors;
+    std::vector<std::pair<std::size_t, std::string>> sorted = errors;
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto& left, const auto& right) { return left.first < right.first; });
     std::vector<std::string> messages;
@@ -110,11 +88,11 @@ void XmlRecordReader::FailWithoutPosition(const std::string& description)
     Record(0, path + ": " + description);
 }
 
-void XmlRecordReader::FailAtOffset(size_t offset, const std::string& description)
+void XmlRecordReader::FailAtOffset(std::size_t offset, const std::string& description)
 {
     // Once the list is full, positions are not worth computing: a file of
     // many thousand faults on one long line would take minutes.
-    if (errors.size() >= kMaximumMessages)
+    if (errors.size() >= MaximumMessages)
         Record(offset, std::string());
     else
         Record(offset, path + ":" + Location(offset) + ": " + description);
@@ -125,9 +103,9 @@ void XmlRecordReader::Fail(pugi::xml_node node, const std::string& description)
     FailAtOffset(OffsetOf(node), description);
 }
 
-size_t XmlRecordReader::OffsetOf(pugi::xml_node node) const
+std::size_t XmlRecordReader::OffsetOf(pugi::xml_node node) const
 {
-    ptrdiff_t offset = node.offset_debug();
+    std::ptrdiff_t offset = node.offset_debug();
     if (offset < 0)
         return 0;
     // An element's offset is that of its name, a declaration's that of
@@ -136,14 +114,14 @@ size_t XmlRecordReader::OffsetOf(pugi::xml_node node) const
         offset -= 1;
     else if (node.type() == pugi::node_declaration && offset >= 2)
         offset -= 2;
-    return static_cast<size_t>(offset);
+    return static_cast<std::size_t>(offset);
 }
 
-std::string XmlRecordReader::Location(size_t offset)
+std::string XmlRecordReader::Location(std::size_t offset)
 {
     if (lineStarts.empty()) {
         lineStarts.push_back(0);
-        for (size_t index = 0; index < content.size(); ++index) {
+        for (std::size_t index = 0; index < content.size(); ++index) {
             char current = content[index];
             bool lineFeed = current == '\n';
             bool loneReturn = current == '\r' && (index + 1 >= content.size() || content[index + 1] != '\n');
@@ -153,18 +131,18 @@ std::string XmlRecordReader::Location(size_t offset)
     }
     offset = std::min(offset, content.size());
     auto after = std::upper_bound(lineStarts.begin(), lineStarts.end(), offset);
-    size_t line = static_cast<size_t>(after - lineStarts.begin());
-    size_t lineStart = *(after - 1);
+    std::size_t line = static_cast<std::size_t>(after - lineStarts.begin());
+    std::size_t lineStart = *(after - 1);
     // Columns count characters, not bytes: continuation bytes do not advance.
     // Faults come mostly in file order, so counting resumes from the last
     // position asked for when it lies earlier on the same line.
-    size_t column = 1;
-    size_t from = lineStart;
+    std::size_t column = 1;
+    std::size_t from = lineStart;
     if (lastLineStart == lineStart && lastOffset <= offset) {
         column = lastColumn;
         from = lastOffset;
     }
-    for (size_t index = from; index < offset; ++index) {
+    for (std::size_t index = from; index < offset; ++index) {
         if ((static_cast<unsigned char>(content[index]) & 0xC0u) != 0x80u)
             ++column;
     }
@@ -200,8 +178,8 @@ bool XmlRecordReader::ReadFile()
     } else if (!S_ISREG(status.st_mode)) {
         FailWithoutPosition("not a regular file");
         readable = false;
-    } else if (static_cast<uint64_t>(status.st_size) > maximumFileBytes) {
-        FailWithoutPosition("file of " + std::to_string(static_cast<uint64_t>(status.st_size)) +
+    } else if (static_cast<std::uint64_t>(status.st_size) > maximumFileBytes) {
+        FailWithoutPosition("file of " + std::to_string(static_cast<std::uint64_t>(status.st_size)) +
                             " bytes is larger than the limit of " + std::to_string(maximumFileBytes) + " bytes");
         readable = false;
     }
@@ -209,7 +187,7 @@ bool XmlRecordReader::ReadFile()
     // still caught.
     char buffer[65536];
     while (readable && content.size() <= maximumFileBytes) {
-        size_t wanted = std::min(sizeof buffer, maximumFileBytes + 1 - content.size());
+        std::size_t wanted = std::min(sizeof buffer, maximumFileBytes + 1 - content.size());
         ssize_t count = ::read(descriptor, buffer, wanted);
         if (count < 0 && errno == EINTR)
             continue;
@@ -219,7 +197,7 @@ bool XmlRecordReader::ReadFile()
         } else if (count == 0) {
             break;
         } else {
-            content.append(buffer, static_cast<size_t>(count));
+            content.append(buffer, static_cast<std::size_t>(count));
         }
     }
     ::close(descriptor);
@@ -237,7 +215,8 @@ bool XmlRecordReader::CheckDeclaration()
         return true;
     std::string version = declaration.attribute("version").value();
     if (version != "1.0") {
-        Fail(declaration, "XML version " + Quote(version) + " is not supported; the file must be XML 1.0");
+        Fail(declaration,
+             "XML version " + Quote(version, LongestQuotedValue) + " is not supported; the file must be XML 1.0");
         return false;
     }
     pugi::xml_attribute encoding = declaration.attribute("encoding");
@@ -246,7 +225,8 @@ bool XmlRecordReader::CheckDeclaration()
         std::transform(name.begin(), name.end(), name.begin(),
                        [](char letter) { return (letter >= 'a' && letter <= 'z') ? letter - 'a' + 'A' : letter; });
         if (name != "UTF-8") {
-            Fail(declaration, "encoding " + Quote(encoding.value()) + " is not supported; the file must be UTF-8");
+            Fail(declaration, "encoding " + Quote(encoding.value(), LongestQuotedValue) +
+                                  " is not supported; the file must be UTF-8");
             return false;
         }
     }
@@ -287,7 +267,7 @@ pugi::xml_node XmlRecordReader::Open(const char* rootName)
 {
     if (!ReadFile())
         return pugi::xml_node();
-    size_t faultOffset = 0;
+    std::size_t faultOffset = 0;
     std::string fault;
     if (!XmlCharacters::Check(content.data(), content.size(), faultOffset, fault)) {
         FailAtOffset(faultOffset, fault);
@@ -296,7 +276,7 @@ pugi::xml_node XmlRecordReader::Open(const char* rootName)
     unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_declaration;
     pugi::xml_parse_result parsed = document.load_buffer(content.data(), content.size(), options, pugi::encoding_utf8);
     if (!parsed) {
-        size_t offset = parsed.offset < 0 ? 0 : static_cast<size_t>(parsed.offset);
+        std::size_t offset = parsed.offset < 0 ? 0 : static_cast<std::size_t>(parsed.offset);
         std::string description = parsed.description();
         if (!description.empty())
             description[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(description[0])));
@@ -323,7 +303,7 @@ pugi::xml_node XmlRecordReader::SingleChild(pugi::xml_node parent, const char* n
     if (!first)
         return first;
     for (pugi::xml_node again = first.next_sibling(name); again; again = again.next_sibling(name)) {
-        if (errors.size() > kMaximumMessages)
+        if (errors.size() > MaximumMessages)
             break;
         Fail(again, std::string("element ") + name + " of " + parent.name() + " is given twice (first at " +
                         Location(OffsetOf(first)) + ")");
@@ -332,7 +312,7 @@ pugi::xml_node XmlRecordReader::SingleChild(pugi::xml_node parent, const char* n
 }
 
 std::vector<pugi::xml_node> XmlRecordReader::RepeatedChildren(pugi::xml_node parent, const char* name,
-                                                              size_t maximumCount)
+                                                              std::size_t maximumCount)
 {
     std::vector<pugi::xml_node> children;
     for (pugi::xml_node child = parent.child(name); child; child = child.next_sibling(name)) {
@@ -368,7 +348,7 @@ bool XmlRecordReader::ReadText(pugi::xml_node element, std::string& text)
     return true;
 }
 
-bool XmlRecordReader::ReadNumber(pugi::xml_node element, uint32_t maximum, uint32_t& value)
+bool XmlRecordReader::ReadNumber(pugi::xml_node element, std::uint32_t maximum, std::uint32_t& value)
 {
     std::string text;
     if (!ReadText(element, text))
@@ -381,8 +361,8 @@ bool XmlRecordReader::ReadNumber(pugi::xml_node element, uint32_t maximum, uint3
     return true;
 }
 
-bool XmlRecordReader::ReadNumberAttribute(pugi::xml_node element, const char* name, uint32_t maximum,
-                                          uint32_t& value)
+bool XmlRecordReader::ReadNumberAttribute(pugi::xml_node element, const char* name, std::uint32_t maximum,
+                                          std::uint32_t& value)
 {
     std::string text;
     if (!ReadTextAttribute(element, name, text))

@@ -14,6 +14,7 @@
 // it could read and exits with 1.
 
 #include <DiscoveryCheck/PublishedMetadata.h>
+#include <KivClosed/Quote.h>
 #include <KivDiscoveryClient/DescriptionReader.h>
 #include <VpCfg/CConfig.h>
 #include <VpSts/CStatus.h>
@@ -25,36 +26,11 @@
 
 namespace {
 
-const int kExitLoaded = 0;
-const int kExitFaults = 1;
-const int kExitUsage = 2;
+using KivClosed::Quote;
 
-/// A text as the summary shows it: quoted, with backslash escapes for the
-/// quote, the backslash and control characters, so that every byte is seen.
-std::string Quote(const std::string& text)
-{
-    std::string quoted = "\"";
-    for (char current : text) {
-        unsigned char byte = static_cast<unsigned char>(current);
-        if (current == '"' || current == '\\') {
-            quoted += '\\';
-            quoted += current;
-        } else if (current == '\n') {
-            quoted += "\\n";
-        } else if (current == '\r') {
-            quoted += "\\r";
-        } else if (current == '\t') {
-            quoted += "\\t";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            char escape[8];
-            std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned>(byte));
-            quoted += escape;
-        } else {
-            quoted += current;
-        }
-    }
-    return quoted + "\"";
-}
+const int ExitLoaded = 0;
+const int ExitFaults = 1;
+const int ExitUsage = 2;
 
 /// A text that may be missing: "(absent)" for a null pointer.
 std::string QuoteOrAbsent(const char* text)
@@ -71,7 +47,7 @@ int ReportFaults(const std::vector<std::string>& messages)
 {
     for (const std::string& message : messages)
         std::fprintf(stderr, "%s\n", message.c_str());
-    return kExitFaults;
+    return ExitFaults;
 }
 
 int CheckConfiguration(const char* directory)
@@ -96,7 +72,7 @@ int CheckConfiguration(const char* directory)
         std::printf("    service %u: kind %u, port %u\n", index + 1, static_cast<unsigned>(entry->serviceKind),
                     static_cast<unsigned>(entry->servicePort));
     }
-    return kExitLoaded;
+    return ExitLoaded;
 }
 
 int CheckStatus(const char* file)
@@ -129,7 +105,7 @@ int CheckStatus(const char* file)
                     static_cast<unsigned>(output->translationRows),
                     static_cast<unsigned>(output->translationColumns));
     }
-    return kExitLoaded;
+    return ExitLoaded;
 }
 
 int CheckDescription(const char* file)
@@ -140,14 +116,14 @@ int CheckDescription(const char* file)
     std::printf("description %s\n", file);
     Field("name", Quote(reader.Name()));
     Field("types", std::to_string(reader.Types().size()));
-    for (size_t index = 0; index < reader.Types().size(); ++index)
+    for (std::size_t index = 0; index < reader.Types().size(); ++index)
         std::printf("    type %zu: %s\n", index + 1, Quote(reader.Types()[index]).c_str());
     Field("scopes", std::to_string(reader.Scopes().size()));
-    for (size_t index = 0; index < reader.Scopes().size(); ++index)
+    for (std::size_t index = 0; index < reader.Scopes().size(); ++index)
         std::printf("    scope %zu: %s\n", index + 1, Quote(reader.Scopes()[index]).c_str());
     Field("port", std::to_string(reader.Port()));
     Field("metadata", Quote(reader.MetaData()));
-    return kExitLoaded;
+    return ExitLoaded;
 }
 
 /// A published value as the summary shows it: "none" when empty, quoted
@@ -215,9 +191,9 @@ int SummariseDescription(const char* file)
                     output.columns.c_str());
     if (!metadata.problem.empty()) {
         std::fprintf(stderr, "%s: metadata not in the publisher's layout at %s\n", file, metadata.problem.c_str());
-        return kExitFaults;
+        return ExitFaults;
     }
-    return kExitLoaded;
+    return ExitLoaded;
 }
 
 void PrintUsage(FILE* stream)
@@ -233,7 +209,7 @@ void PrintUsage(FILE* stream)
 int Usage()
 {
     PrintUsage(stderr);
-    return kExitUsage;
+    return ExitUsage;
 }
 
 } // namespace
@@ -243,11 +219,11 @@ int main(int argc, char** argv)
     // Asked for, the usage and the version go to standard output.
     if (argc == 2 && std::strcmp(argv[1], "--help") == 0) {
         PrintUsage(stdout);
-        return kExitLoaded;
+        return ExitLoaded;
     }
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0) {
         std::printf("discovery-check %s\n", KIV_VERSION);
-        return kExitLoaded;
+        return ExitLoaded;
     }
     if (argc != 3)
         return Usage();

@@ -14,4 +14,5 @@ kiv_add_test_suite(closed_tests closed LIBRARIES config status kivdiscoveryclien
         DiscoveryReplacementTest.cpp
         DiscoveryRoundTripTest.cpp
         DiscoveryTest.cpp
+        QuoteTest.cpp
         XmlCharactersTest.cpp)
