@@ -40,6 +40,6 @@ INSTANTIATE_TEST_SUITE_P(
                       QuoteCase{"TextAtTheLimitIsWhole", "abcd", 4, "\"abcd\""},
                       QuoteCase{"LongerTextIsCutWithDots", "abcde", 4, "\"abcd...\""},
                       QuoteCase{"CutCountsBytesBeforeEscaping", "\t\t\t", 2, "\"\\t\\t...\""}),
-    [](const ::testing::TestParamInfo<QuoteCase>& info) { return std::string(info.param.behaviour); });
+    [](const ::testing::TestParamInfo<QuoteCase>& entry) { return std::string(entry.param.behaviour); });
 
 } // namespace
