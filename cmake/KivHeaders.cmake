@@ -13,8 +13,10 @@
 #                               of it is what the development package installs
 #   ${KIV_PRIVATE_INCLUDE_DIR}  helpers that only the tree's own targets and
 #                               tests see
-# A target adds the public root as a PUBLIC build include directory and the
-# private root as PRIVATE, so a helper header cannot leak into an interface.
+# A shared library adds the public root as a PUBLIC build include directory
+# and the private root as PRIVATE, so a helper header cannot leak into its
+# interface; the tree's static helper libraries (never installed) hand the
+# private root on to what links them, the tests among them.
 # Links (rather than copies) keep compiler diagnostics and editors on the
 # real file, and an edit needs no reconfigure.
 
