@@ -2,6 +2,7 @@
 #include <KivClosed/AtomicFileWriter.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -19,16 +20,16 @@ namespace {
 
 /// Bytes of the target's name kept in the temporary name, so that the
 /// temporary name stays below the file-name limit of every file system.
-const size_t kLongestNamePart = 100;
-const int kNameAttempts = 100;
-/// A temporary name is "." + name part + "." + kRandomDigits lower-case hex
-/// digits + kTemporarySuffix.
-const size_t kRandomDigits = 12;
-const char kTemporarySuffix[] = ".tmp";
-const size_t kTemporarySuffixLength = sizeof kTemporarySuffix - 1;
+const std::size_t LongestNamePart = 100;
+const int NameAttempts = 100;
+/// A temporary name is "." + name part + "." + RandomDigits lower-case hex
+/// digits + TemporarySuffix.
+const std::size_t RandomDigits = 12;
+const char TemporarySuffix[] = ".tmp";
+const std::size_t TemporarySuffixLength = sizeof TemporarySuffix - 1;
 /// Readable by the writer alone while it is written: nobody else can open
 /// it, so nobody else can hold its lock.
-const mode_t kWritingMode = 0600;
+const mode_t WritingMode = 0600;
 
 std::string SystemError(int error)
 {
@@ -45,16 +46,16 @@ std::string WorkingDirectory()
 
 std::string TemporaryPrefix(const std::string& fileName)
 {
-    return "." + fileName.substr(0, kLongestNamePart) + ".";
+    return "." + fileName.substr(0, LongestNamePart) + ".";
 }
 
 bool IsTemporaryName(const std::string& entry, const std::string& prefix)
 {
-    if (entry.size() != prefix.size() + kRandomDigits + kTemporarySuffixLength ||
+    if (entry.size() != prefix.size() + RandomDigits + TemporarySuffixLength ||
         entry.compare(0, prefix.size(), prefix) != 0 ||
-        entry.compare(prefix.size() + kRandomDigits, kTemporarySuffixLength, kTemporarySuffix) != 0)
+        entry.compare(prefix.size() + RandomDigits, TemporarySuffixLength, TemporarySuffix) != 0)
         return false;
-    for (size_t index = prefix.size(); index < prefix.size() + kRandomDigits; ++index) {
+    for (std::size_t index = prefix.size(); index < prefix.size() + RandomDigits; ++index) {
         char digit = entry[index];
         if (!((digit >= '0' && digit <= '9') || (digit >= 'a' && digit <= 'f')))
             return false;
@@ -131,16 +132,16 @@ std::string TemporaryName(const std::string& fileName, int attempt)
 {
     struct timespec now = {0, 0};
     clock_gettime(CLOCK_REALTIME, &now);
-    uint64_t mixed = static_cast<uint64_t>(now.tv_nsec) ^ (static_cast<uint64_t>(now.tv_sec) << 20) ^
-                     (static_cast<uint64_t>(getpid()) << 40) ^ static_cast<uint64_t>(attempt) * 0x9E3779B97F4A7C15ull;
+    std::uint64_t mixed = static_cast<std::uint64_t>(now.tv_nsec) ^ (static_cast<std::uint64_t>(now.tv_sec) << 20) ^
+                     (static_cast<std::uint64_t>(getpid()) << 40) ^ static_cast<std::uint64_t>(attempt) * 0x9E3779B97F4A7C15ull;
     char digits[32];
     std::snprintf(digits, sizeof digits, "%012llx", static_cast<unsigned long long>(mixed & 0xFFFFFFFFFFFFull));
-    return TemporaryPrefix(fileName) + digits + kTemporarySuffix;
+    return TemporaryPrefix(fileName) + digits + TemporarySuffix;
 }
 
 bool WriteAll(int descriptor, const std::string& content, int& error)
 {
-    size_t written = 0;
+    std::size_t written = 0;
     while (written < content.size()) {
         ssize_t count = ::write(descriptor, content.data() + written, content.size() - written);
         if (count < 0) {
@@ -149,7 +150,7 @@ bool WriteAll(int descriptor, const std::string& content, int& error)
             error = errno;
             return false;
         }
-        written += static_cast<size_t>(count);
+        written += static_cast<std::size_t>(count);
     }
     return true;
 }
@@ -167,10 +168,10 @@ bool AtomicFileWriter::Replace(const std::string& fileName, const std::string& c
     RemoveStaleTemporaries(directory, fileName);
     std::string temporary;
     int file = -1;
-    for (int attempt = 0; attempt < kNameAttempts && file < 0; ++attempt) {
+    for (int attempt = 0; attempt < NameAttempts && file < 0; ++attempt) {
         temporary = TemporaryName(fileName, attempt);
         file = ::openat(directory, temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
-                        kWritingMode);
+                        WritingMode);
         if (file < 0 && errno != EEXIST)
             break;
         if (file >= 0 && !LockAsBeingWritten(file)) {

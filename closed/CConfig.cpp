@@ -11,10 +11,10 @@ namespace {
 
 using KivClosed::XmlRecordReader;
 
-const uint32_t kDefaultThresholdLow = 40;
-const uint32_t kDefaultThresholdHigh = 55;
-const uint32_t kLargestPort = 65535;
-const uint32_t kLargestNumber = 4294967295u;
+const std::uint32_t DefaultThresholdLow = 40;
+const std::uint32_t DefaultThresholdHigh = 55;
+const std::uint32_t LargestPort = 65535;
+const std::uint32_t LargestNumber = 4294967295u;
 
 /// The text elements with their defaults, in the order of CConfig's text fields.
 struct TextElement
@@ -23,7 +23,7 @@ struct TextElement
     const char* defaultValue;
 };
 
-const TextElement kTextElements[] = {
+const TextElement TextElements[] = {
     {"description", ""},          {"timeZone", "Europe/Zurich"}, {"computerName", "trxDefault"},
     {"formatVersion", "1.0"},     {"owner", "nil"},              {"siteLocation", "unspecified"},
     {"domainName", "localdomain"}, {"productPrefix", "TRX"},
@@ -32,8 +32,8 @@ const TextElement kTextElements[] = {
 template <typename Texts>
 void FillDefaults(Texts& texts)
 {
-    for (size_t index = 0; index < texts.size(); ++index)
-        texts[index] = kTextElements[index].defaultValue;
+    for (std::size_t index = 0; index < texts.size(); ++index)
+        texts[index] = TextElements[index].defaultValue;
 }
 
 void ReadServices(XmlRecordReader& reader, pugi::xml_node root, CServiceList& services)
@@ -41,13 +41,13 @@ void ReadServices(XmlRecordReader& reader, pugi::xml_node root, CServiceList& se
     pugi::xml_node list = reader.SingleChild(root, "services");
     if (!list)
         return;
-    for (pugi::xml_node service : reader.RepeatedChildren(list, "service", CConfig::kMaximumServices)) {
-        uint32_t kind = 0;
-        uint32_t port = 0;
-        bool kindRead = reader.ReadNumberAttribute(service, "kind", kLargestNumber, kind);
-        bool portRead = reader.ReadNumberAttribute(service, "port", kLargestPort, port);
+    for (pugi::xml_node service : reader.RepeatedChildren(list, "service", CConfig::MaximumServices)) {
+        std::uint32_t kind = 0;
+        std::uint32_t port = 0;
+        bool kindRead = reader.ReadNumberAttribute(service, "kind", LargestNumber, kind);
+        bool portRead = reader.ReadNumberAttribute(service, "port", LargestPort, port);
         if (kindRead && portRead)
-            services.Add(CServiceEntry(kind, static_cast<uint16_t>(port)));
+            services.Add(CServiceEntry(kind, static_cast<std::uint16_t>(port)));
     }
 }
 
@@ -58,12 +58,12 @@ CConfig::CConfig()
       owner(nullptr), siteLocation(nullptr), domainName(nullptr), thresholdLow(0), thresholdHigh(0),
       productPrefix(nullptr)
 {
-    static_assert(sizeof kTextElements / sizeof kTextElements[0] == std::tuple_size<Texts>::value,
+    static_assert(sizeof TextElements / sizeof TextElements[0] == std::tuple_size<Texts>::value,
                   "one default per text field");
     Texts defaults;
     FillDefaults(defaults);
     CServiceList noServices;
-    Adopt(defaults, kDefaultThresholdLow, kDefaultThresholdHigh, noServices);
+    Adopt(defaults, DefaultThresholdLow, DefaultThresholdHigh, noServices);
 }
 
 CConfig::~CConfig() = default;
@@ -74,25 +74,25 @@ bool CConfig::LoadResources(const char* path)
         errors.assign(1, "no configuration directory given");
         return false;
     }
-    XmlRecordReader reader(std::string(path) + "/configuration.xml", kMaximumFileBytes, kMaximumTextBytes);
+    XmlRecordReader reader(std::string(path) + "/configuration.xml", MaximumFileBytes, MaximumTextBytes);
     Texts newTexts;
     FillDefaults(newTexts);
-    uint32_t low = kDefaultThresholdLow;
-    uint32_t high = kDefaultThresholdHigh;
+    std::uint32_t low = DefaultThresholdLow;
+    std::uint32_t high = DefaultThresholdHigh;
     CServiceList services;
     pugi::xml_node root = reader.Open("configuration");
     if (root) {
-        for (size_t index = 0; index < newTexts.size(); ++index) {
-            pugi::xml_node element = reader.SingleChild(root, kTextElements[index].element);
+        for (std::size_t index = 0; index < newTexts.size(); ++index) {
+            pugi::xml_node element = reader.SingleChild(root, TextElements[index].element);
             if (element)
                 reader.ReadText(element, newTexts[index]);
         }
         pugi::xml_node lowElement = reader.SingleChild(root, "thresholdLow");
         if (lowElement)
-            reader.ReadNumber(lowElement, kLargestNumber, low);
+            reader.ReadNumber(lowElement, LargestNumber, low);
         pugi::xml_node highElement = reader.SingleChild(root, "thresholdHigh");
         if (highElement)
-            reader.ReadNumber(highElement, kLargestNumber, high);
+            reader.ReadNumber(highElement, LargestNumber, high);
         ReadServices(reader, root, services);
     }
     if (!reader.Succeeded()) {
@@ -104,7 +104,7 @@ bool CConfig::LoadResources(const char* path)
     return true;
 }
 
-void CConfig::Adopt(Texts& newTexts, uint32_t low, uint32_t high, CServiceList& services)
+void CConfig::Adopt(Texts& newTexts, std::uint32_t low, std::uint32_t high, CServiceList& services)
 {
     texts.swap(newTexts);
     descriptionText = texts[0].c_str();

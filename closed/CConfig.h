@@ -28,11 +28,11 @@ class CConfig
 {
 public:
     /// Largest configuration.xml accepted, in bytes (1 MiB).
-    static constexpr size_t kMaximumFileBytes = 1048576;
+    static constexpr std::size_t MaximumFileBytes = 1048576;
     /// Most service elements accepted.
-    static constexpr size_t kMaximumServices = 256;
+    static constexpr std::size_t MaximumServices = 256;
     /// Longest text of one element, in bytes.
-    static constexpr size_t kMaximumTextBytes = 4096;
+    static constexpr std::size_t MaximumTextBytes = 4096;
 
     /// A record with every field at its default: empty description, time
     /// zone "Europe/Zurich", computer name "trxDefault", no services, format
@@ -83,9 +83,9 @@ public:
     /// Element domainName; "localdomain" by default.
     const char* domainName;
     /// Element thresholdLow (unsigned 32-bit decimal); 40 by default.
-    uint32_t thresholdLow;
+    std::uint32_t thresholdLow;
     /// Element thresholdHigh (unsigned 32-bit decimal); 55 by default.
-    uint32_t thresholdHigh;
+    std::uint32_t thresholdHigh;
     /// Element productPrefix; "TRX" by default.
     const char* productPrefix;
 
@@ -93,7 +93,7 @@ private:
     /// The record's texts, in the order of the text fields above.
     using Texts = std::array<std::string, 8>;
 
-    void Adopt(Texts& newTexts, uint32_t low, uint32_t high, CServiceList& services);
+    void Adopt(Texts& newTexts, std::uint32_t low, std::uint32_t high, CServiceList& services);
 
     Texts texts;
     std::vector<std::string> errors;

@@ -3,7 +3,7 @@
 
 namespace VpSts {
 
-CNetworkDevice::CNetworkDevice(uint32_t number)
+CNetworkDevice::CNetworkDevice(std::uint32_t number)
     : deviceNumber(number), name(nullptr), macAddress(nullptr), ipv4Address(nullptr), ipv6Address(nullptr),
       gateway(nullptr), subnet(nullptr)
 {

@@ -25,7 +25,7 @@ public:
     enum TextField { Name, MacAddress, Ipv4Address, Ipv6Address, Gateway, Subnet, TextFieldCount };
 
     /// A device numbered \p number with every text missing (null).
-    explicit CNetworkDevice(uint32_t number);
+    explicit CNetworkDevice(std::uint32_t number);
 
     // The text fields point into the entry's own storage.
     CNetworkDevice(const CNetworkDevice&) = delete;
@@ -36,7 +36,7 @@ public:
     void SetText(TextField field, const std::string& value);
 
     /// Attribute number of the file's networkDevice element.
-    uint32_t deviceNumber;
+    std::uint32_t deviceNumber;
 
     // The texts are zero-terminated UTF-8 owned by the entry, or null when
     // the file has no element for them; "" when the element is empty.

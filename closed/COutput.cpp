@@ -3,7 +3,7 @@
 
 namespace VpSts {
 
-COutput::COutput(uint32_t number, uint32_t kind, uint32_t rows, uint32_t columns)
+COutput::COutput(std::uint32_t number, std::uint32_t kind, std::uint32_t rows, std::uint32_t columns)
     : outputNumber(number), outputKind(kind), translationRows(rows), translationColumns(columns)
 {
 }

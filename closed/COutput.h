@@ -20,16 +20,16 @@ class COutput
 {
 public:
     /// An output with the four numbers of the file's output element.
-    COutput(uint32_t number, uint32_t kind, uint32_t rows, uint32_t columns);
+    COutput(std::uint32_t number, std::uint32_t kind, std::uint32_t rows, std::uint32_t columns);
 
     /// Attribute number.
-    uint32_t outputNumber;
+    std::uint32_t outputNumber;
     /// Attribute kind; 0 marks an output that is published.
-    uint32_t outputKind;
+    std::uint32_t outputKind;
     /// Attribute rows.
-    uint32_t translationRows;
+    std::uint32_t translationRows;
     /// Attribute columns.
-    uint32_t translationColumns;
+    std::uint32_t translationColumns;
 };
 
 } // namespace VpSts

@@ -3,6 +3,6 @@
 
 namespace VpCfg {
 
-CServiceEntry::CServiceEntry(uint32_t kind, uint16_t port) : serviceKind(kind), servicePort(port) {}
+CServiceEntry::CServiceEntry(std::uint32_t kind, std::uint16_t port) : serviceKind(kind), servicePort(port) {}
 
 } // namespace VpCfg

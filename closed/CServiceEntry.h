@@ -20,14 +20,14 @@ class CServiceEntry
 {
 public:
     /// An entry of kind \p kind on port \p port.
-    CServiceEntry(uint32_t kind, uint16_t port);
+    CServiceEntry(std::uint32_t kind, std::uint16_t port);
 
     /// The kind of service, attribute kind of the file's service element.
     /// 0 marks the management service.
-    uint32_t serviceKind;
+    std::uint32_t serviceKind;
 
     /// The port, attribute port of the file's service element.
-    uint16_t servicePort;
+    std::uint16_t servicePort;
 };
 
 } // namespace VpCfg

@@ -11,7 +11,7 @@ namespace {
 
 using KivClosed::XmlRecordReader;
 
-const uint32_t kLargestNumber = 4294967295u;
+const std::uint32_t LargestNumber = 4294967295u;
 
 /// The text elements with their defaults, in the order of CStatus's text fields.
 struct TextElement
@@ -20,21 +20,21 @@ struct TextElement
     const char* defaultValue;
 };
 
-const TextElement kTextElements[] = {
+const TextElement TextElements[] = {
     {"dateTime", "2000-01-01T00:00:00"},
     {"upTime", "P0S"},
     {"identifier", "0x0000000000000000"},
 };
 
 /// The child elements of networkDevice, in the order of CNetworkDevice::TextField.
-const char* const kDeviceTextElements[CNetworkDevice::TextFieldCount] = {"name",     "mac",     "ipv4",
+const char* const DeviceTextElements[CNetworkDevice::TextFieldCount] = {"name",     "mac",     "ipv4",
                                                                          "ipv6",     "gateway", "subnet"};
 
 template <typename Texts>
 void FillDefaults(Texts& texts)
 {
-    for (size_t index = 0; index < texts.size(); ++index)
-        texts[index] = kTextElements[index].defaultValue;
+    for (std::size_t index = 0; index < texts.size(); ++index)
+        texts[index] = TextElements[index].defaultValue;
 }
 
 void ReadNetworkDevices(XmlRecordReader& reader, pugi::xml_node root, CNetworkDeviceList& devices)
@@ -43,12 +43,12 @@ void ReadNetworkDevices(XmlRecordReader& reader, pugi::xml_node root, CNetworkDe
     if (!list)
         return;
     for (pugi::xml_node element :
-         reader.RepeatedChildren(list, "networkDevice", CStatus::kMaximumNetworkDevices)) {
-        uint32_t number = 0;
-        bool numberRead = reader.ReadNumberAttribute(element, "number", kLargestNumber, number);
+         reader.RepeatedChildren(list, "networkDevice", CStatus::MaximumNetworkDevices)) {
+        std::uint32_t number = 0;
+        bool numberRead = reader.ReadNumberAttribute(element, "number", LargestNumber, number);
         auto device = std::make_unique<CNetworkDevice>(number);
         for (int field = CNetworkDevice::Name; field < CNetworkDevice::TextFieldCount; ++field) {
-            pugi::xml_node textElement = reader.SingleChild(element, kDeviceTextElements[field]);
+            pugi::xml_node textElement = reader.SingleChild(element, DeviceTextElements[field]);
             std::string text;
             if (textElement && reader.ReadText(textElement, text))
                 device->SetText(static_cast<CNetworkDevice::TextField>(field), text);
@@ -63,17 +63,17 @@ void ReadOutputs(XmlRecordReader& reader, pugi::xml_node root, COutputList& outp
     pugi::xml_node list = reader.SingleChild(root, "outputs");
     if (!list)
         return;
-    for (pugi::xml_node element : reader.RepeatedChildren(list, "output", CStatus::kMaximumOutputs)) {
-        uint32_t number = 0;
-        uint32_t kind = 0;
-        uint32_t rows = 0;
-        uint32_t columns = 0;
+    for (pugi::xml_node element : reader.RepeatedChildren(list, "output", CStatus::MaximumOutputs)) {
+        std::uint32_t number = 0;
+        std::uint32_t kind = 0;
+        std::uint32_t rows = 0;
+        std::uint32_t columns = 0;
         // Each attribute is read even after a fault, so that one load names
         // every fault of the element.
-        bool numberRead = reader.ReadNumberAttribute(element, "number", kLargestNumber, number);
-        bool kindRead = reader.ReadNumberAttribute(element, "kind", kLargestNumber, kind);
-        bool rowsRead = reader.ReadNumberAttribute(element, "rows", kLargestNumber, rows);
-        bool columnsRead = reader.ReadNumberAttribute(element, "columns", kLargestNumber, columns);
+        bool numberRead = reader.ReadNumberAttribute(element, "number", LargestNumber, number);
+        bool kindRead = reader.ReadNumberAttribute(element, "kind", LargestNumber, kind);
+        bool rowsRead = reader.ReadNumberAttribute(element, "rows", LargestNumber, rows);
+        bool columnsRead = reader.ReadNumberAttribute(element, "columns", LargestNumber, columns);
         if (numberRead && kindRead && rowsRead && columnsRead)
             outputs.Add(COutput(number, kind, rows, columns));
     }
@@ -81,15 +81,15 @@ void ReadOutputs(XmlRecordReader& reader, pugi::xml_node root, COutputList& outp
 
 } // namespace
 
-CStatus::CStatus() : modelCode(kUnknownModel), dateTime(nullptr), upTime(nullptr), identifier(nullptr)
+CStatus::CStatus() : modelCode(UnknownModel), dateTime(nullptr), upTime(nullptr), identifier(nullptr)
 {
-    static_assert(sizeof kTextElements / sizeof kTextElements[0] == std::tuple_size<Texts>::value,
+    static_assert(sizeof TextElements / sizeof TextElements[0] == std::tuple_size<Texts>::value,
                   "one default per text field");
     Texts defaults;
     FillDefaults(defaults);
     CNetworkDeviceList noDevices;
     COutputList noOutputs;
-    Adopt(defaults, kUnknownModel, noDevices, noOutputs);
+    Adopt(defaults, UnknownModel, noDevices, noOutputs);
 }
 
 CStatus::~CStatus() = default;
@@ -100,21 +100,21 @@ bool CStatus::Load(const char* path)
         errors.assign(1, "no status file given");
         return false;
     }
-    XmlRecordReader reader(path, kMaximumFileBytes, kMaximumTextBytes);
+    XmlRecordReader reader(path, MaximumFileBytes, MaximumTextBytes);
     Texts newTexts;
     FillDefaults(newTexts);
-    uint32_t model = kUnknownModel;
+    std::uint32_t model = UnknownModel;
     CNetworkDeviceList devices;
     COutputList outputs;
     pugi::xml_node root = reader.Open("status");
     if (root) {
         pugi::xml_node modelElement = reader.SingleChild(root, "modelCode");
         if (modelElement)
-            reader.ReadNumber(modelElement, kLargestNumber, model);
+            reader.ReadNumber(modelElement, LargestNumber, model);
         ReadNetworkDevices(reader, root, devices);
         ReadOutputs(reader, root, outputs);
-        for (size_t index = 0; index < newTexts.size(); ++index) {
-            pugi::xml_node element = reader.SingleChild(root, kTextElements[index].element);
+        for (std::size_t index = 0; index < newTexts.size(); ++index) {
+            pugi::xml_node element = reader.SingleChild(root, TextElements[index].element);
             if (element)
                 reader.ReadText(element, newTexts[index]);
         }
@@ -128,7 +128,7 @@ bool CStatus::Load(const char* path)
     return true;
 }
 
-void CStatus::Adopt(Texts& newTexts, uint32_t model, CNetworkDeviceList& devices, COutputList& outputs)
+void CStatus::Adopt(Texts& newTexts, std::uint32_t model, CNetworkDeviceList& devices, COutputList& outputs)
 {
     texts.swap(newTexts);
     dateTime = texts[0].c_str();

@@ -29,15 +29,15 @@ class CStatus
 {
 public:
     /// Largest status file accepted, in bytes (4 MiB).
-    static constexpr size_t kMaximumFileBytes = 4194304;
+    static constexpr std::size_t MaximumFileBytes = 4194304;
     /// Most networkDevice elements accepted.
-    static constexpr size_t kMaximumNetworkDevices = 1024;
+    static constexpr std::size_t MaximumNetworkDevices = 1024;
     /// Most output elements accepted.
-    static constexpr size_t kMaximumOutputs = 1024;
+    static constexpr std::size_t MaximumOutputs = 1024;
     /// Longest text of one element, in bytes.
-    static constexpr size_t kMaximumTextBytes = 4096;
+    static constexpr std::size_t MaximumTextBytes = 4096;
     /// The model code of a unit whose model is not known.
-    static constexpr uint32_t kUnknownModel = 4294967295u;
+    static constexpr std::uint32_t UnknownModel = 4294967295u;
 
     /// A record with every field at its default: model code 4294967295,
     /// empty lists, date-time "2000-01-01T00:00:00", up-time "P0S",
@@ -64,7 +64,7 @@ public:
     std::string ErrorMessage() const;
 
     /// Element modelCode (unsigned 32-bit decimal); 4294967295 by default.
-    uint32_t modelCode;
+    std::uint32_t modelCode;
 
     /// The network interfaces, in file order; entries stay valid until the
     /// next successful load.
@@ -89,7 +89,7 @@ private:
     /// The record's texts, in the order of the text fields above.
     using Texts = std::array<std::string, 3>;
 
-    void Adopt(Texts& newTexts, uint32_t model, CNetworkDeviceList& devices, COutputList& outputs);
+    void Adopt(Texts& newTexts, std::uint32_t model, CNetworkDeviceList& devices, COutputList& outputs);
 
     Texts texts;
     std::vector<std::string> errors;

@@ -11,8 +11,8 @@ namespace {
 
 using KivClosed::XmlRecordReader;
 
-const uint32_t kLargestPort = 65535;
-const size_t kNoTextLimit = SIZE_MAX;
+const std::uint32_t LargestPort = 65535;
+const std::size_t NoTextLimit = SIZE_MAX;
 
 std::vector<std::string> ReadTexts(XmlRecordReader& reader, pugi::xml_node root, const char* element)
 {
@@ -37,11 +37,11 @@ bool DescriptionReader::Load(const char* path)
         errors.assign(1, "no description file given");
         return false;
     }
-    XmlRecordReader reader(path, kMaximumFileBytes, kNoTextLimit);
+    XmlRecordReader reader(path, MaximumFileBytes, NoTextLimit);
     std::string newName;
     std::vector<std::string> newTypes;
     std::vector<std::string> newScopes;
-    uint32_t newPort = 0;
+    std::uint32_t newPort = 0;
     std::string newMetaData;
     pugi::xml_node root = reader.Open("service");
     if (root) {
@@ -50,7 +50,7 @@ bool DescriptionReader::Load(const char* path)
         newScopes = ReadTexts(reader, root, "scope");
         pugi::xml_node portElement = reader.SingleChild(root, "port");
         if (portElement)
-            reader.ReadNumber(portElement, kLargestPort, newPort);
+            reader.ReadNumber(portElement, LargestPort, newPort);
         else
             reader.Fail(root, "element port of service is missing");
         pugi::xml_node metaDataElement = reader.SingleChild(root, "metadata");
@@ -64,7 +64,7 @@ bool DescriptionReader::Load(const char* path)
     name.swap(newName);
     types.swap(newTypes);
     scopes.swap(newScopes);
-    port = static_cast<uint16_t>(newPort);
+    port = static_cast<std::uint16_t>(newPort);
     metaData.swap(newMetaData);
     errors.clear();
     return true;
@@ -95,7 +95,7 @@ const std::vector<std::string>& DescriptionReader::Scopes() const
     return scopes;
 }
 
-uint16_t DescriptionReader::Port() const
+std::uint16_t DescriptionReader::Port() const
 {
     return port;
 }

@@ -25,7 +25,7 @@ class DescriptionReader
 {
 public:
     /// Largest description file read, in bytes (16 MiB).
-    static constexpr size_t kMaximumFileBytes = 16777216;
+    static constexpr std::size_t MaximumFileBytes = 16777216;
 
     /// A reader holding an empty description (no name, no types or scopes,
     /// port 0, empty metadata).
@@ -53,7 +53,7 @@ public:
     /// The scope elements' texts, in file order.
     const std::vector<std::string>& Scopes() const;
     /// The port element's number.
-    uint16_t Port() const;
+    std::uint16_t Port() const;
     /// The metadata element's text.
     const std::string& MetaData() const;
 
@@ -61,7 +61,7 @@ private:
     std::string name;
     std::vector<std::string> types;
     std::vector<std::string> scopes;
-    uint16_t port;
+    std::uint16_t port;
     std::string metaData;
     std::vector<std::string> errors;
 };

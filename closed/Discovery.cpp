@@ -4,6 +4,7 @@
 #include <KivClosed/AtomicFileWriter.h>
 #include <KivClosed/XmlCharacters.h>
 
+#include <cstddef>
 #include <sys/stat.h>
 #include <utility>
 
@@ -13,7 +14,7 @@ using KivClosed::XmlCharacters;
 
 namespace {
 
-const mode_t kFileMode = 0644;
+const mode_t FileMode = 0644;
 
 /// Escapes for element text: what XML would otherwise read as markup, and a
 /// carriage return, which parsers would turn into a line feed.
@@ -50,7 +51,7 @@ void AppendAttribute(std::string& out, const std::string& text)
 
 bool CheckText(const std::string& what, const std::string& text, std::string& fault)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     std::string problem;
     if (XmlCharacters::Check(text.data(), text.size(), offset, problem))
         return true;
@@ -99,11 +100,11 @@ bool Discovery::Render(std::string& document, std::string& fault) const
 {
     if (!CheckText("name", name, fault))
         return false;
-    for (size_t index = 0; index < types.size(); ++index) {
+    for (std::size_t index = 0; index < types.size(); ++index) {
         if (!CheckText("type " + std::to_string(index + 1), types[index], fault))
             return false;
     }
-    for (size_t index = 0; index < scopes.size(); ++index) {
+    for (std::size_t index = 0; index < scopes.size(); ++index) {
         if (!CheckText("scope " + std::to_string(index + 1), scopes[index], fault))
             return false;
     }
@@ -147,7 +148,7 @@ bool Discovery::WriteToFile()
         errorMessage = FileName() + ": not written: " + fault;
         return false;
     }
-    if (!KivClosed::AtomicFileWriter::Replace(FileName(), document, kFileMode, fault)) {
+    if (!KivClosed::AtomicFileWriter::Replace(FileName(), document, FileMode, fault)) {
         errorMessage = fault;
         return false;
     }

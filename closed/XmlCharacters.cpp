@@ -21,7 +21,7 @@ bool IsContinuation(unsigned char byte)
 
 } // namespace
 
-bool XmlCharacters::IsAllowed(uint32_t codePoint)
+bool XmlCharacters::IsAllowed(std::uint32_t codePoint)
 {
     if (codePoint < 0x20u)
         return codePoint == 0x09u || codePoint == 0x0Au || codePoint == 0x0Du;
@@ -34,21 +34,21 @@ bool XmlCharacters::IsAllowed(uint32_t codePoint)
     return codePoint >= 0x10000u && codePoint <= 0x10FFFFu;
 }
 
-std::string XmlCharacters::Notation(uint32_t codePoint)
+std::string XmlCharacters::Notation(std::uint32_t codePoint)
 {
     char text[16];
     std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(codePoint));
     return text;
 }
 
-bool XmlCharacters::Check(const char* data, size_t size, size_t& faultOffset, std::string& fault)
+bool XmlCharacters::Check(const char* data, std::size_t size, std::size_t& faultOffset, std::string& fault)
 {
     const unsigned char* bytes = reinterpret_cast<const unsigned char*>(data);
-    size_t index = 0;
+    std::size_t index = 0;
     while (index < size) {
         unsigned char lead = bytes[index];
-        uint32_t codePoint = 0;
-        size_t length = 0;
+        std::uint32_t codePoint = 0;
+        std::size_t length = 0;
         // The bounds of the second byte exclude overlong forms, surrogates and
         // values above U+10FFFF in one comparison.
         unsigned char secondLow = 0x80u;
@@ -78,7 +78,7 @@ bool XmlCharacters::Check(const char* data, size_t size, size_t& faultOffset, st
             fault = "invalid UTF-8 byte " + ByteNotation(lead);
             return false;
         }
-        for (size_t next = 1; next < length; ++next) {
+        for (std::size_t next = 1; next < length; ++next) {
             if (index + next >= size) {
                 faultOffset = index;
                 fault = "truncated UTF-8 sequence at the end of the text";

@@ -32,7 +32,7 @@ class XmlRecordReader
 public:
     /// A reader of the file at \p path that refuses files above
     /// \p maximumFileBytes and texts above \p maximumTextBytes.
-    XmlRecordReader(std::string path, size_t maximumFileBytes, size_t maximumTextBytes);
+    XmlRecordReader(std::string path, std::size_t maximumFileBytes, std::size_t maximumTextBytes);
     ~XmlRecordReader();
 
     XmlRecordReader(const XmlRecordReader&) = delete;
@@ -53,7 +53,7 @@ public:
     /// Every child element \p name of \p parent in document order. The
     /// element after the first \p maximumCount is recorded as a fault and the
     /// list stops there.
-    std::vector<pugi::xml_node> RepeatedChildren(pugi::xml_node parent, const char* name, size_t maximumCount);
+    std::vector<pugi::xml_node> RepeatedChildren(pugi::xml_node parent, const char* name, std::size_t maximumCount);
 
     /// The text of \p element exactly as the file holds it (entities and
     /// CDATA decoded, comments left out). Child elements and a text longer
@@ -63,11 +63,11 @@ public:
     /// The text of \p element as an unsigned decimal number no larger than
     /// \p maximum. Signs, spaces, hexadecimal and an empty text are faults;
     /// \p value is then left unchanged.
-    bool ReadNumber(pugi::xml_node element, uint32_t maximum, uint32_t& value);
+    bool ReadNumber(pugi::xml_node element, std::uint32_t maximum, std::uint32_t& value);
 
     /// The required attribute \p name of \p element as an unsigned decimal
     /// number no larger than \p maximum. A missing attribute is a fault.
-    bool ReadNumberAttribute(pugi::xml_node element, const char* name, uint32_t maximum, uint32_t& value);
+    bool ReadNumberAttribute(pugi::xml_node element, const char* name, std::uint32_t maximum, std::uint32_t& value);
 
     /// The required attribute \p name of \p element as text.
     bool ReadTextAttribute(pugi::xml_node element, const char* name, std::string& text);
@@ -90,26 +90,26 @@ public:
 
 private:
     bool ReadFile();
-    void FailAtOffset(size_t offset, const std::string& description);
+    void FailAtOffset(std::size_t offset, const std::string& description);
     void FailWithoutPosition(const std::string& description);
-    void Record(size_t offset, const std::string& message);
+    void Record(std::size_t offset, const std::string& message);
     bool CheckDeclaration();
     bool CheckAttributesUnique();
-    std::string Location(size_t offset);
-    size_t OffsetOf(pugi::xml_node node) const;
+    std::string Location(std::size_t offset);
+    std::size_t OffsetOf(pugi::xml_node node) const;
 
     std::string path;
-    size_t maximumFileBytes;
-    size_t maximumTextBytes;
+    std::size_t maximumFileBytes;
+    std::size_t maximumTextBytes;
     std::string content;
-    std::vector<size_t> lineStarts;
+    std::vector<std::size_t> lineStarts;
     /// The last position that Location computed, to resume counting from.
-    size_t lastLineStart = SIZE_MAX;
-    size_t lastOffset = 0;
-    size_t lastColumn = 1;
+    std::size_t lastLineStart = SIZE_MAX;
+    std::size_t lastOffset = 0;
+    std::size_t lastColumn = 1;
     pugi::xml_document document;
     /// The faults with the offsets they were found at, for sorting.
-    std::vector<std::pair<size_t, std::string>> errors;
+    std::vector<std::pair<std::size_t, std::string>> errors;
 };
 
 } // namespace KivClosed

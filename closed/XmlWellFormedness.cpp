@@ -13,49 +13,49 @@ namespace {
 class Scanner
 {
 public:
-    Scanner(const char* text, size_t length) : data(text), size(length) {}
+    Scanner(const char* text, std::size_t length) : data(text), size(length) {}
 
-    bool Run(size_t& faultOffset, std::string& fault);
+    bool Run(std::size_t& faultOffset, std::string& fault);
 
 private:
-    bool StartsWith(size_t at, const char* prefix) const
+    bool StartsWith(std::size_t at, const char* prefix) const
     {
-        size_t length = std::strlen(prefix);
+        std::size_t length = std::strlen(prefix);
         return at <= size && size - at >= length && std::memcmp(data + at, prefix, length) == 0;
     }
 
     /// Offset just past \p terminator searched from \p from, or size when it is missing.
-    size_t Skip(size_t from, const char* terminator) const
+    std::size_t Skip(std::size_t from, const char* terminator) const
     {
-        size_t length = std::strlen(terminator);
-        for (size_t at = from; at + length <= size; ++at) {
+        std::size_t length = std::strlen(terminator);
+        for (std::size_t at = from; at + length <= size; ++at) {
             if (std::memcmp(data + at, terminator, length) == 0)
                 return at + length;
         }
         return size;
     }
 
-    bool Fail(size_t at, const std::string& description)
+    bool Fail(std::size_t at, const std::string& description)
     {
         offset = at;
         message = description;
         return false;
     }
 
-    bool CheckReference(size_t at, size_t& end);
-    bool ScanTag(size_t at, size_t& end);
+    bool CheckReference(std::size_t at, std::size_t& end);
+    bool ScanTag(std::size_t at, std::size_t& end);
 
     const char* data;
-    size_t size;
-    size_t offset = 0;
+    std::size_t size;
+    std::size_t offset = 0;
     std::string message;
 };
 
-bool Scanner::CheckReference(size_t at, size_t& end)
+bool Scanner::CheckReference(std::size_t at, std::size_t& end)
 {
     // The longest reference worth reading: "&#x" and a few digits, or a name.
-    const size_t longest = 32;
-    size_t semicolon = at + 1;
+    const std::size_t longest = 32;
+    std::size_t semicolon = at + 1;
     while (semicolon < size && semicolon - at <= longest && data[semicolon] != ';' && data[semicolon] != '&' &&
            data[semicolon] != '<')
         ++semicolon;
@@ -69,19 +69,19 @@ bool Scanner::CheckReference(size_t at, size_t& end)
         return Fail(at, "unknown entity reference &" + body + ";");
     }
     bool hexadecimal = body.size() > 1 && body[1] == 'x';
-    size_t first = hexadecimal ? 2 : 1;
+    std::size_t first = hexadecimal ? 2 : 1;
     if (first >= body.size())
         return Fail(at, "character reference &" + body + "; has no digits");
-    uint32_t value = 0;
-    for (size_t index = first; index < body.size(); ++index) {
+    std::uint32_t value = 0;
+    for (std::size_t index = first; index < body.size(); ++index) {
         char digit = body[index];
-        uint32_t digitValue;
+        std::uint32_t digitValue;
         if (digit >= '0' && digit <= '9')
-            digitValue = static_cast<uint32_t>(digit - '0');
+            digitValue = static_cast<std::uint32_t>(digit - '0');
         else if (hexadecimal && digit >= 'a' && digit <= 'f')
-            digitValue = static_cast<uint32_t>(digit - 'a' + 10);
+            digitValue = static_cast<std::uint32_t>(digit - 'a' + 10);
         else if (hexadecimal && digit >= 'A' && digit <= 'F')
-            digitValue = static_cast<uint32_t>(digit - 'A' + 10);
+            digitValue = static_cast<std::uint32_t>(digit - 'A' + 10);
         else
             return Fail(at, "character reference &" + body + "; is malformed");
         value = value * (hexadecimal ? 16u : 10u) + digitValue;
@@ -94,10 +94,10 @@ bool Scanner::CheckReference(size_t at, size_t& end)
     return true;
 }
 
-bool Scanner::ScanTag(size_t at, size_t& end)
+bool Scanner::ScanTag(std::size_t at, std::size_t& end)
 {
     char quote = 0;
-    size_t index = at + 1;
+    std::size_t index = at + 1;
     while (index < size) {
         char current = data[index];
         if (quote != 0) {
@@ -106,7 +106,7 @@ bool Scanner::ScanTag(size_t at, size_t& end)
             } else if (current == '<') {
                 return Fail(index, "'<' is not allowed in an attribute value; write &lt;");
             } else if (current == '&') {
-                size_t after = index;
+                std::size_t after = index;
                 if (!CheckReference(index, after))
                     return false;
                 index = after;
@@ -123,11 +123,11 @@ bool Scanner::ScanTag(size_t at, size_t& end)
     return Fail(at, "unterminated tag");
 }
 
-bool Scanner::Run(size_t& faultOffset, std::string& fault)
+bool Scanner::Run(std::size_t& faultOffset, std::string& fault)
 {
-    size_t depth = 0;
+    std::size_t depth = 0;
     bool rootSeen = false;
-    size_t index = 0;
+    std::size_t index = 0;
     bool clean = true;
     while (clean && index < size) {
         char current = data[index];
@@ -153,7 +153,7 @@ bool Scanner::Run(size_t& faultOffset, std::string& fault)
                     clean = Fail(index, "a second element after the root element");
                     break;
                 }
-                size_t end = index;
+                std::size_t end = index;
                 clean = ScanTag(index, end);
                 if (clean) {
                     rootSeen = true;
@@ -163,7 +163,7 @@ bool Scanner::Run(size_t& faultOffset, std::string& fault)
                 }
             }
         } else if (current == '&') {
-            size_t end = index;
+            std::size_t end = index;
             if (depth == 0)
                 clean = Fail(index, "text outside the root element");
             else
@@ -187,7 +187,7 @@ bool Scanner::Run(size_t& faultOffset, std::string& fault)
 
 } // namespace
 
-bool XmlWellFormedness::Check(const char* data, size_t size, size_t& faultOffset, std::string& fault)
+bool XmlWellFormedness::Check(const char* data, std::size_t size, std::size_t& faultOffset, std::string& fault)
 {
     Scanner scanner(data, size);
     return scanner.Run(faultOffset, fault);

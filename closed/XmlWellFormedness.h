@@ -8,7 +8,7 @@
 // declaration. The loaders refuse all of these so that a file means the same
 // to every XML parser. Stateless; any thread may use it.
 //
-//   size_t offset = 0;
+//   std::size_t offset = 0;
 //   std::string fault;
 //   if (!XmlWellFormedness::Check(data, size, offset, fault))
 //       report(offset, fault);   // e.g. "unknown entity reference &nbsp;"
@@ -29,7 +29,7 @@ public:
     /// in text, text or a second element outside the root element, and
     /// document type declarations (not supported). Answers false at the first
     /// fault with its byte offset and a description.
-    static bool Check(const char* data, size_t size, size_t& faultOffset, std::string& fault);
+    static bool Check(const char* data, std::size_t size, std::size_t& faultOffset, std::string& fault);
 };
 
 } // namespace KivClosed

@@ -15,6 +15,7 @@
 #include <KivPlr/io/DirectoryManager.h>
 #include <KivPlr/sync/ScopedLock.h>
 
+#include <cstdint>
 #include <cstdio>
 
 namespace KivConfig {

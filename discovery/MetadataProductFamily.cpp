@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivConfig/MetadataProductFamily.h>
 
+#include <cstdint>
 #include <sstream>
 
 namespace KivConfig {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivConfig/MetadataStatusOutput.h>
 
+#include <cstdint>
 #include <sstream>
 
 namespace KivConfig {

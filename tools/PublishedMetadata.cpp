@@ -77,10 +77,10 @@ bool TakeValue(Cursor& cursor, const std::string& name, const std::string& next,
 }
 
 // Attribute quotes in the fragments carry a backslash: \"
-const char kDeviceOpening[] = "<NetworkDevice number=\\\"";
-const char kNumberEnd[] = "\\\">";
-const char kOutputOpening[] = "<Output number=\\\"";
-const char kOutputType[] = "\\\" i:type=\\\"Cablor6Type\\\"><TranslationTable><Rows>";
+const char DeviceOpening[] = "<NetworkDevice number=\\\"";
+const char NumberEnd[] = "\\\">";
+const char OutputOpening[] = "<Output number=\\\"";
+const char OutputType[] = "\\\" i:type=\\\"Cablor6Type\\\"><TranslationTable><Rows>";
 
 /// Reads the network list up to and with "</Network>", or up to the cut.
 bool TakeNetwork(Cursor& cursor, PublishedMetadata& metadata, std::string& problem)
@@ -89,7 +89,7 @@ bool TakeNetwork(Cursor& cursor, PublishedMetadata& metadata, std::string& probl
         return false;
     while (!cursor.Take("</Network>")) {
         PublishedMetadata::Interface interface;
-        if (!cursor.Take(kDeviceOpening) || !cursor.Digits(interface.number) || !cursor.Take(kNumberEnd)) {
+        if (!cursor.Take(DeviceOpening) || !cursor.Digits(interface.number) || !cursor.Take(NumberEnd)) {
             problem = "expected <NetworkDevice number=\\\"...\\\"> or </Network>";
             return false;
         }
@@ -127,7 +127,7 @@ bool TakeOutputs(Cursor& cursor, PublishedMetadata& metadata, std::string& probl
         return false;
     while (!cursor.Take("</Outputs>")) {
         PublishedMetadata::Output output;
-        if (!cursor.Take(kOutputOpening) || !cursor.Digits(output.number) || !cursor.Take(kOutputType) ||
+        if (!cursor.Take(OutputOpening) || !cursor.Digits(output.number) || !cursor.Take(OutputType) ||
             !cursor.Digits(output.rows) || !cursor.Take("</Rows><Columns>") || !cursor.Digits(output.columns) ||
             !cursor.Take("</Columns></TranslationTable></Output>")) {
             problem = "expected <Output number=\\\"...\\\" ...>...</Output> or </Outputs>";

@@ -4,6 +4,7 @@
 #include <KivPlr/core/FatalError.h>
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

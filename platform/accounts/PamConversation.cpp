@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/accounts/PamConversation.h>
 
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <security/pam_appl.h>

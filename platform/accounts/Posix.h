@@ -15,6 +15,8 @@
 #include <KivPlr/core/Object.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class Posix : private Object, public IPosix
 {

@@ -7,6 +7,7 @@
 #include <KivPlr/core/FatalError.h>
 
 #include <crypt.h>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <security/pam_appl.h>

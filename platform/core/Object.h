@@ -20,6 +20,8 @@ namespace KivPlr {
 
 class Object : public virtual IObject, public virtual IObject2
 {
+#include <cstdint>
+
 public:
     Object();
     ~Object() override;

@@ -19,6 +19,8 @@
 
 namespace KivPlr {
 
+#include <cstdint>
+
 class Platform : protected Object, public IPlatform
 {
 public:

@@ -6,6 +6,7 @@
 #include <KivPlr/io/LinuxDirectoryPosition.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <dirent.h>
 #include <sys/stat.h>

@@ -5,6 +5,7 @@
 #include <KivPlr/core/LinuxResultConverter.h>
 #include <KivPlr/io/LinuxFileStream.h>
 
+#include <cstdint>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>

@@ -17,6 +17,8 @@
 namespace KivPlr {
 
 class FileManager : private Object, public IFileManager
+#include <cstdint>
+
 {
 public:
     void CreateFile(const Path& path, _Result& result) override;

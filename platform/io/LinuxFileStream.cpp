@@ -23,7 +23,7 @@ void RequireResult(_Result& result)
 // The checks that Read and Write share: zero the out value, then refuse a
 // span that does not lie inside the caller's buffer. offset + count is
 // compared without letting the sum wrap around 64 bits, and a count that the
-// system call cannot take (beyond size_t on a 32-bit system) is refused too.
+// system call cannot take (beyond std::size_t on a 32-bit system) is refused too.
 bool AcceptTransfer(const void* buffer, std::uint64_t bufferSize, std::uint64_t offset, std::uint64_t count,
                     std::uint64_t& transferred, const wchar_t* nullTransferredMessage, _Result& result)
 {

@@ -16,6 +16,8 @@
 #include <KivPlr/io/IStream.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class LinuxFileStream : private Object, public IStream
 {

@@ -3,6 +3,7 @@
 
 #include <KivPlr/core/FatalError.h>
 
+#include <cstdint>
 #include <syslog.h>
 
 namespace KivPlr {

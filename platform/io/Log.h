@@ -21,6 +21,8 @@ class Log : private Object, public ILog
 public:
     /// Closes the process-wide channel.
     ~Log() override;
+#include <cstdint>
+
 
     using ILog::Write;
     /// syslog at LOG_INFO (levels 0 and unknown ones), LOG_WARNING (1) or

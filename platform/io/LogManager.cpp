@@ -4,6 +4,7 @@
 #include <KivPlr/core/FatalError.h>
 #include <KivPlr/io/Log.h>
 
+#include <cstdint>
 #include <syslog.h>
 
 namespace KivPlr {

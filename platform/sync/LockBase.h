@@ -14,6 +14,8 @@
 #include <KivPlr/sync/ILock.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class LockBase : protected Object, public ILock
 {

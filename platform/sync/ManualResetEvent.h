@@ -19,6 +19,7 @@
 
 namespace KivPlr {
 
+#include <cstdint>
 class ManualResetEvent : public WaitEvent, public IManualResetEvent
 {
 public:

@@ -23,6 +23,7 @@
 
 namespace KivPlr {
 
+#include <cstdint>
 class PosixLock : public LockBase
 {
 public:

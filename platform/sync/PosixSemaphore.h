@@ -21,6 +21,7 @@
 
 namespace KivPlr {
 
+#include <cstdint>
 class PosixSemaphore : public SemaphoreBase
 {
 public:

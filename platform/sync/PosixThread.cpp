@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/sync/PosixThread.h>
 
+#include <cstdint>
 #include <sched.h>
 
 namespace KivPlr {

@@ -20,6 +20,7 @@
 #include <KivPlr/sync/ThreadBase.h>
 
 #include <pthread.h>
+#include <cstdint>
 
 namespace KivPlr {
 

@@ -17,6 +17,7 @@
 #include <KivPlr/sync/IPosixThreadPriorityConverter.h>
 
 #include <map>
+#include <cstdint>
 
 namespace KivPlr {
 

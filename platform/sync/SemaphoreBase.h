@@ -15,6 +15,8 @@
 #include <KivPlr/sync/ISemaphore.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class SemaphoreBase : protected Object, public ISemaphore
 {

@@ -17,6 +17,8 @@
 #include <KivPlr/sync/IThreadObserver.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class ThreadBase : protected Object, public IThread
 {

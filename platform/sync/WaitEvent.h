@@ -19,6 +19,8 @@
 namespace KivPlr {
 
 class WaitEvent : protected Object, public virtual IWaitEvent
+#include <cstdint>
+
 {
 public:
     /// Keeps a reference on \p monitor. A missing monitor is fatal when the

@@ -15,6 +15,8 @@
 #include <KivPlr/time/IClock.h>
 
 namespace KivPlr {
+#include <cstdint>
+
 
 class ClockBase : private Object, public IClock
 {

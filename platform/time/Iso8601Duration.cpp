@@ -4,6 +4,7 @@
 #include <KivPlr/core/FatalError.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <sstream>
 
@@ -178,19 +179,19 @@ int Iso8601Duration::Compare(float left, float right)
 
 void Iso8601Duration::Normalise()
 {
-    static const Component Chain[] = {Weeks, Days, Hours, Minutes, Seconds};
-    static const float Factors[] = {7.0f, 24.0f, 60.0f, 60.0f};
-    constexpr int ChainLength = sizeof Chain / sizeof Chain[0];
+    static const Component chain[] = {Weeks, Days, Hours, Minutes, Seconds};
+    static const float factors[] = {7.0f, 24.0f, 60.0f, 60.0f};
+    constexpr int chainLength = sizeof chain / sizeof chain[0];
     int smallest = -1;
-    for (int position = 0; position < ChainLength; ++position) {
-        if (Compare(components[Chain[position]], 0.0f) != 0)
+    for (int position = 0; position < chainLength; ++position) {
+        if (Compare(components[chain[position]], 0.0f) != 0)
             smallest = position;
     }
     for (int position = 0; position < smallest; ++position) {
-        float value = components[Chain[position]];
+        float value = components[chain[position]];
         float whole = std::floor(value);
-        components[Chain[position]] = whole;
-        components[Chain[position + 1]] += Round((value - whole) * Factors[position]);
+        components[chain[position]] = whole;
+        components[chain[position + 1]] += Round((value - whole) * factors[position]);
     }
 }
 
@@ -253,8 +254,8 @@ void Iso8601Duration::ReadComponents(std::istream& stream, const Component* allo
 
 void Iso8601Duration::Read(std::istream& stream, _Result& result)
 {
-    static const Component DateComponents[] = {Years, Months, Weeks, Days};
-    static const Component TimeComponents[] = {Hours, Minutes, Seconds};
+    static const Component dateComponents[] = {Years, Months, Weeks, Days};
+    static const Component timeComponents[] = {Hours, Minutes, Seconds};
     CheckResultReference(&result);
     CheckStreamReference(&stream);
     Iso8601Duration candidate(*this);
@@ -265,7 +266,7 @@ void Iso8601Duration::Read(std::istream& stream, _Result& result)
     }
     _Result partResult = ResultPass;
     std::int32_t read = 0;
-    candidate.ReadComponents(stream, DateComponents, 4, read, partResult);
+    candidate.ReadComponents(stream, dateComponents, 4, read, partResult);
     if (partResult != ResultPass) {
         result = partResult;
         return;
@@ -285,7 +286,7 @@ void Iso8601Duration::Read(std::istream& stream, _Result& result)
     if (next == 'T') {
         stream.get();
         read = 0;
-        candidate.ReadComponents(stream, TimeComponents, 3, read, partResult);
+        candidate.ReadComponents(stream, timeComponents, 3, read, partResult);
         if (partResult != ResultPass) {
             result = partResult;
             return;

@@ -4,6 +4,7 @@
 #include <KivPlr/core/FatalError.h>
 #include <KivPlr/time/Epoch.h>
 
+#include <cstdint>
 #include <limits>
 
 namespace KivPlr {

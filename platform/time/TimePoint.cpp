@@ -4,6 +4,8 @@
 #include <KivPlr/core/FatalError.h>
 
 #include <cctype>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>

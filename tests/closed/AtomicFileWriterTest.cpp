@@ -27,7 +27,7 @@ using KivTest::WriteFile;
 namespace {
 
 /// A name of the form the writer gives its temporary files of Management.xml.
-const char kStaleName[] = ".Management.xml.0123456789ab.tmp";
+const char StaleName[] = ".Management.xml.0123456789ab.tmp";
 
 class AtomicFileWriterTest : public ::testing::Test
 {
@@ -53,7 +53,7 @@ TEST_F(AtomicFileWriterTest, AStaleTemporaryFileOfTheSameNameIsRemovedByTheNextW
 {
     // What a writer killed between creating its temporary file and the rename
     // leaves: an unlocked regular file of this user.
-    ASSERT_TRUE(WriteFile(In(kStaleName), "half a descr"));
+    ASSERT_TRUE(WriteFile(In(StaleName), "half a descr"));
     ASSERT_TRUE(Replace("whole"));
     EXPECT_EQ(ListDirectory(directory.Path()), std::vector<std::string>{"Management.xml"});
     EXPECT_EQ(ReadFile(In("Management.xml")), "whole");
@@ -61,16 +61,16 @@ TEST_F(AtomicFileWriterTest, AStaleTemporaryFileOfTheSameNameIsRemovedByTheNextW
 
 TEST_F(AtomicFileWriterTest, ATemporaryFileThatALiveWriterHoldsLockedIsKept)
 {
-    ASSERT_TRUE(WriteFile(In(kStaleName), "being written"));
-    int held = open(In(kStaleName).c_str(), O_RDONLY | O_CLOEXEC);
+    ASSERT_TRUE(WriteFile(In(StaleName), "being written"));
+    int held = open(In(StaleName).c_str(), O_RDONLY | O_CLOEXEC);
     ASSERT_GE(held, 0);
     ASSERT_EQ(flock(held, LOCK_EX | LOCK_NB), 0);
     bool replaced = Replace("whole");
     std::vector<std::string> whileHeld = ListDirectory(directory.Path());
     close(held);
     ASSERT_TRUE(replaced);
-    EXPECT_EQ(whileHeld, (std::vector<std::string>{kStaleName, "Management.xml"}));
-    EXPECT_EQ(ReadFile(In(kStaleName)), "being written");
+    EXPECT_EQ(whileHeld, (std::vector<std::string>{StaleName, "Management.xml"}));
+    EXPECT_EQ(ReadFile(In(StaleName)), "being written");
     // Once its writer is gone, the next write takes it away.
     ASSERT_TRUE(Replace("again"));
     EXPECT_EQ(ListDirectory(directory.Path()), std::vector<std::string>{"Management.xml"});
@@ -100,7 +100,7 @@ TEST_F(AtomicFileWriterTest, NothingButStaleTemporaryFilesOfItsOwnNameIsTouched)
     std::string foreign = ".Management.xml.dddddddddddd.tmp";
     ASSERT_TRUE(WriteFile(In(foreign), "kept foreign"));
     bool foreignMade = geteuid() == 0 && chown(In(foreign).c_str(), 65534, 65534) == 0;
-    ASSERT_TRUE(WriteFile(In(kStaleName), "stale"));
+    ASSERT_TRUE(WriteFile(In(StaleName), "stale"));
 
     ASSERT_TRUE(Replace("whole"));
 

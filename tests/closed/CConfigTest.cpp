@@ -18,11 +18,11 @@ using VpCfg::CConfig;
 
 namespace {
 
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const std::string Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 std::string Configuration(const std::string& body)
 {
-    return kDeclaration + "<configuration>\n" + body + "</configuration>\n";
+    return Declaration + "<configuration>\n" + body + "</configuration>\n";
 }
 
 std::string Services(const std::string& services)
@@ -65,7 +65,7 @@ protected:
     CConfig config;
 };
 
-const std::string kFullFile = Configuration(
+const std::string FullFile = Configuration(
     "  <description>Control room wall, left</description>\n"
     "  <timeZone>America/New_York</timeZone>\n"
     "  <computerName>unit-1</computerName>\n"
@@ -91,7 +91,7 @@ TEST_F(CConfigTest, DefaultConstructionGivesEveryDefault)
 
 TEST_F(CConfigTest, LoadReadsEveryField)
 {
-    ASSERT_TRUE(Load(kFullFile)) << config.ErrorMessage();
+    ASSERT_TRUE(Load(FullFile)) << config.ErrorMessage();
     EXPECT_STREQ(config.descriptionText, "Control room wall, left");
     EXPECT_STREQ(config.timeZoneName, "America/New_York");
     EXPECT_STREQ(config.computerName, "unit-1");
@@ -122,7 +122,7 @@ TEST_F(CConfigTest, EmptyRootGivesEveryDefault)
 
 TEST_F(CConfigTest, GoodFileReplacesTheRecordWhole)
 {
-    ASSERT_TRUE(Load(kFullFile));
+    ASSERT_TRUE(Load(FullFile));
     ASSERT_TRUE(Load(Configuration("<computerName>unit-2</computerName>\n")));
     EXPECT_STREQ(config.computerName, "unit-2");
     // Nothing of the first file lingers: every other field is back at its default.
@@ -136,7 +136,7 @@ TEST_F(CConfigTest, GoodFileReplacesTheRecordWhole)
 
 TEST_F(CConfigTest, BadFileKeepsTheRecordWhole)
 {
-    ASSERT_TRUE(Load(kFullFile));
+    ASSERT_TRUE(Load(FullFile));
     const VpCfg::CServiceEntry* first = config.serviceList[0u];
     const char* computerName = config.computerName;
     // Good values before and after the fault must not be taken either.
@@ -422,7 +422,7 @@ TEST_F(CConfigTest, MalformedReferencesAndMarkupFail)
 
 TEST_F(CConfigTest, CommentsAndProcessingInstructionsAroundTheRootAreAccepted)
 {
-    ASSERT_TRUE(Load(kDeclaration + "<!-- a & b -->\n<?tool x?>\n<configuration><owner>o</owner></configuration>\n"
+    ASSERT_TRUE(Load(Declaration + "<!-- a & b -->\n<?tool x?>\n<configuration><owner>o</owner></configuration>\n"
                                     "<!-- end -->\n"))
         << config.ErrorMessage();
     EXPECT_STREQ(config.owner, "o");

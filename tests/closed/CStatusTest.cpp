@@ -20,11 +20,11 @@ using VpSts::COutput;
 
 namespace {
 
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const std::string Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 std::string Status(const std::string& body)
 {
-    return kDeclaration + "<status>\n" + body + "</status>\n";
+    return Declaration + "<status>\n" + body + "</status>\n";
 }
 
 std::string Devices(const std::string& devices)
@@ -37,7 +37,7 @@ std::string Outputs(const std::string& outputs)
     return "<outputs>" + outputs + "</outputs>";
 }
 
-const std::string kExample = Status(
+const std::string Example = Status(
     "  <modelCode>3</modelCode>\n"
     "  <networkDevices>\n"
     "    <networkDevice number=\"1\">\n"
@@ -95,7 +95,7 @@ TEST_F(CStatusTest, DefaultConstructionGivesEveryDefault)
 
 TEST_F(CStatusTest, LoadReadsEveryField)
 {
-    ASSERT_TRUE(Load(kExample)) << status.ErrorMessage();
+    ASSERT_TRUE(Load(Example)) << status.ErrorMessage();
     EXPECT_EQ(status.modelCode, 3u);
     ASSERT_EQ(status.networkDeviceList.Count(), 1u);
     const CNetworkDevice* device = status.networkDeviceList[0u];
@@ -179,7 +179,7 @@ TEST_F(CStatusTest, ListsKeepDocumentOrder)
 
 TEST_F(CStatusTest, GoodFileReplacesTheRecordWhole)
 {
-    ASSERT_TRUE(Load(kExample));
+    ASSERT_TRUE(Load(Example));
     ASSERT_TRUE(Load(Status("<upTime>PT5M</upTime>")));
     EXPECT_STREQ(status.upTime, "PT5M");
     EXPECT_EQ(status.modelCode, 4294967295u);
@@ -191,7 +191,7 @@ TEST_F(CStatusTest, GoodFileReplacesTheRecordWhole)
 
 TEST_F(CStatusTest, BadFileKeepsTheRecordWholeWithItsEntries)
 {
-    ASSERT_TRUE(Load(kExample));
+    ASSERT_TRUE(Load(Example));
     const CNetworkDevice* device = status.networkDeviceList[0u];
     const char* name = device->name;
     EXPECT_FALSE(Load(Status("<modelCode>4</modelCode>" +

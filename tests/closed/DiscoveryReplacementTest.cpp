@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -38,11 +39,11 @@ using KivTest::TemporaryDirectory;
 
 namespace {
 
-const int kRewrites = 1000;
-const int kKilledWriters = 200;
+const int Rewrites = 1000;
+const int KilledWriters = 200;
 /// Real time a writer may take to create its temporary file before the test
 /// gives up on the round.
-const int kCreationLimitMilliseconds = 10000;
+const int CreationLimitMilliseconds = 10000;
 
 bool IsTemporaryFileOf(const std::string& name, const std::string& fileName)
 {
@@ -150,7 +151,7 @@ TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
             content.clear();
             ssize_t count;
             while ((count = read(descriptor, buffer, sizeof buffer)) > 0)
-                content.append(buffer, static_cast<size_t>(count));
+                content.append(buffer, static_cast<std::size_t>(count));
             close(descriptor);
             ++reads;
             if (content != smallFile && content != largeFile)
@@ -158,13 +159,13 @@ TEST_F(DiscoveryReplacementTest, PollingReaderAlwaysSeesOneWholeVersion)
         }
         char line[128];
         int length = std::snprintf(line, sizeof line, "%ld %ld %ld", reads, torn, missing);
-        ssize_t written = write(report[1], line, static_cast<size_t>(length));
+        ssize_t written = write(report[1], line, static_cast<std::size_t>(length));
         _exit(written == length ? 0 : 1);
     }
     close(stop[0]);
     close(report[1]);
     int failures = 0;
-    for (int round = 0; round < kRewrites; ++round) {
+    for (int round = 0; round < Rewrites; ++round) {
         if (!WriteDescription(round % 2 == 0 ? small : large, fault))
             ++failures;
     }
@@ -288,7 +289,7 @@ TEST_F(DiscoveryReplacementTest, WritersKilledMidWriteLeaveAtMostOneTemporaryFil
         ASSERT_TRUE(KivTest::WriteFile(directory.Path() + "/" + name, "kept"));
 
     int leftBehind = 0;
-    for (int round = 0; round < kKilledWriters; ++round) {
+    for (int round = 0; round < KilledWriters; ++round) {
         int watch = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
         ASSERT_GE(watch, 0);
         ASSERT_GE(inotify_add_watch(watch, directory.Path().c_str(), IN_CREATE), 0);
@@ -305,7 +306,7 @@ TEST_F(DiscoveryReplacementTest, WritersKilledMidWriteLeaveAtMostOneTemporaryFil
         // writes or flushes, sometimes just after its rename.
         bool created = false;
         struct pollfd ready = {watch, POLLIN, 0};
-        while (!created && poll(&ready, 1, kCreationLimitMilliseconds) > 0) {
+        while (!created && poll(&ready, 1, CreationLimitMilliseconds) > 0) {
             alignas(struct inotify_event) char events[4096];
             ssize_t length = read(watch, events, sizeof events);
             for (ssize_t offset = 0; offset < length;) {

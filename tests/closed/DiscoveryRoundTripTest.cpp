@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <random>
 #include <string>
@@ -25,7 +27,7 @@ using KivTest::WriteFile;
 
 namespace {
 
-const int kSamples = 1000;
+const int Samples = 1000;
 
 struct Sample
 {
@@ -43,19 +45,19 @@ struct Sample
 class TextSource
 {
 public:
-    explicit TextSource(uint32_t seed) : engine(seed) {}
+    explicit TextSource(std::uint32_t seed) : engine(seed) {}
 
-    std::string Text(size_t longest, bool forFileName)
+    std::string Text(std::size_t longest, bool forFileName)
     {
         static const std::vector<std::string> pieces = {
             "a", "Z", "0", " ", "  ", "\t", "\n", "\r", "\r\n", "\"", "'", "&", "<", ">", "]]>", "]]", "&amp;",
             "&#13;", "<![CDATA[", "-->", "/", ".", "=", "\xC3\xA9", "\xC2\x80", "\xDF\xBF", "\xE4\xB8\xAD",
             "\xED\x9F\xBF", "\xEE\x80\x80", "\xEF\xBF\xBD", "\xF0\x9F\x98\x80", "\xF0\x90\x80\x80",
             "\xF4\x8F\xBF\xBF", "\x7F"};
-        std::uniform_int_distribution<size_t> length(0, longest);
-        std::uniform_int_distribution<size_t> piece(0, pieces.size() - 1);
+        std::uniform_int_distribution<std::size_t> length(0, longest);
+        std::uniform_int_distribution<std::size_t> piece(0, pieces.size() - 1);
         std::string text;
-        for (size_t count = length(engine); count > 0; --count) {
+        for (std::size_t count = length(engine); count > 0; --count) {
             const std::string& chosen = pieces[piece(engine)];
             if (forFileName && chosen.find('/') != std::string::npos)
                 continue;
@@ -94,7 +96,7 @@ std::string Hex(const std::string& text)
     return hex;
 }
 
-const char* const kPythonChecker = R"PY(
+const char* const PythonChecker = R"PY(
 import sys
 import xml.etree.ElementTree as ElementTree
 
@@ -130,7 +132,7 @@ protected:
     void SetUp() override
     {
         TextSource source(20240501);
-        for (int index = 0; index < kSamples; ++index)
+        for (int index = 0; index < Samples; ++index)
             samples.push_back(source.Make(index));
     }
 
@@ -169,7 +171,7 @@ TEST_F(DiscoveryRoundTripTest, RandomTextsReadBackExactlyThroughPugixml)
         EXPECT_EQ(reader.MetaData(), sample.metadata);
         ++checked;
     }
-    EXPECT_EQ(checked, kSamples);
+    EXPECT_EQ(checked, Samples);
 }
 
 TEST_F(DiscoveryRoundTripTest, RandomTextsReadBackExactlyThroughPythonElementTree)
@@ -193,19 +195,19 @@ TEST_F(DiscoveryRoundTripTest, RandomTextsReadBackExactlyThroughPythonElementTre
     std::string manifestFile = directory.Path() + "/manifest.txt";
     std::string scriptFile = directory.Path() + "/check.py";
     ASSERT_TRUE(WriteFile(manifestFile, manifest));
-    ASSERT_TRUE(WriteFile(scriptFile, kPythonChecker));
+    ASSERT_TRUE(WriteFile(scriptFile, PythonChecker));
     std::string command = "python3 '" + scriptFile + "' '" + manifestFile + "' 2>&1";
     FILE* pipe = popen(command.c_str(), "r");
     ASSERT_NE(pipe, nullptr);
     std::string output;
     char buffer[4096];
-    size_t count;
+    std::size_t count;
     while ((count = fread(buffer, 1, sizeof buffer, pipe)) > 0)
         output.append(buffer, count);
     int status = pclose(pipe);
     ASSERT_TRUE(WIFEXITED(status)) << output;
     EXPECT_EQ(WEXITSTATUS(status), 0) << output;
-    EXPECT_NE(output.find("checked " + std::to_string(kSamples) + " wrong 0"), std::string::npos) << output;
+    EXPECT_NE(output.find("checked " + std::to_string(Samples) + " wrong 0"), std::string::npos) << output;
 }
 
 TEST_F(DiscoveryRoundTripTest, SamplesCoverEveryCharacterThatNeedsEscaping)

@@ -32,14 +32,14 @@ using KivTest::WriteFile;
 
 namespace {
 
-const std::string kScope = "http://standards.kivotrel.example/2011/videoprocessor/trx";
+const std::string Scope = "http://standards.kivotrel.example/2011/videoprocessor/trx";
 
 
 Discovery Management(const std::string& metadata, unsigned short port = 8080)
 {
     Discovery description("Management");
     description.AddType("cpp:Management");
-    description.AddScope(kScope);
+    description.AddScope(Scope);
     description.SetPort(port);
     description.SetMetaData(metadata);
     return description;
@@ -167,7 +167,7 @@ TEST_F(DiscoveryTest, UnrepresentableTextFailsWithoutWriting)
     for (const Case& sample : cases) {
         Discovery description(sample.where == std::string("name") ? sample.text : "Management");
         description.AddType("cpp:Management");
-        description.AddScope(kScope);
+        description.AddScope(Scope);
         if (sample.where == std::string("metadata"))
             description.SetMetaData(sample.text);
         if (sample.where == std::string("type"))

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 using KivClosed::XmlCharacters;
@@ -11,12 +12,12 @@ namespace {
 
 bool Valid(const std::string& text)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     std::string fault;
     return XmlCharacters::Check(text.data(), text.size(), offset, fault);
 }
 
-std::string Fault(const std::string& text, size_t& offset)
+std::string Fault(const std::string& text, std::size_t& offset)
 {
     std::string fault;
     EXPECT_FALSE(XmlCharacters::Check(text.data(), text.size(), offset, fault));
@@ -60,7 +61,7 @@ TEST(XmlCharactersTest, WellFormedUtf8OfEveryLengthPasses)
 
 TEST(XmlCharactersTest, OverlongFormsFail)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     EXPECT_EQ(Fault("ab\xC0\x80", offset), "invalid UTF-8 byte 0xC0");
     EXPECT_EQ(offset, 2u);
     EXPECT_EQ(Fault("\xC1\xBF", offset), "invalid UTF-8 byte 0xC1");
@@ -70,7 +71,7 @@ TEST(XmlCharactersTest, OverlongFormsFail)
 
 TEST(XmlCharactersTest, SurrogatesAndValuesBeyondTheLastPlaneFail)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     EXPECT_EQ(Fault("\xED\xA0\x80", offset), "invalid UTF-8 sequence starting with byte 0xED");
     EXPECT_EQ(Fault("\xED\xBF\xBF", offset), "invalid UTF-8 sequence starting with byte 0xED");
     EXPECT_EQ(Fault("\xF4\x90\x80\x80", offset), "invalid UTF-8 sequence starting with byte 0xF4");
@@ -80,7 +81,7 @@ TEST(XmlCharactersTest, SurrogatesAndValuesBeyondTheLastPlaneFail)
 
 TEST(XmlCharactersTest, StrayAndMissingContinuationBytesFail)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     EXPECT_EQ(Fault("a\x80", offset), "invalid UTF-8 byte 0x80");
     EXPECT_EQ(offset, 1u);
     EXPECT_EQ(Fault("\xE2\x82x", offset), "invalid UTF-8 sequence starting with byte 0xE2");
@@ -90,7 +91,7 @@ TEST(XmlCharactersTest, StrayAndMissingContinuationBytesFail)
 
 TEST(XmlCharactersTest, ForbiddenCharactersFailWithTheirCodePoint)
 {
-    size_t offset = 0;
+    std::size_t offset = 0;
     EXPECT_EQ(Fault(std::string("a\0b", 3), offset), "character U+0000 is not allowed in XML");
     EXPECT_EQ(offset, 1u);
     EXPECT_EQ(Fault("\x0B", offset), "character U+000B is not allowed in XML");

@@ -20,6 +20,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -38,16 +39,16 @@ using KivTest::WriteFile;
 
 namespace {
 
-const char kSettingsLink[] = "/home/Kiv/.settings/kivotrel";
-const char kSettingsDirectory[] = "/home/Kiv/settings";
-const char kConfigurationDirectory[] = "/home/Kiv/settings/syscontrol/1.0/configuration";
-const char kCollectorPath[] = "/usr/local/sbin/statuscollector";
-const char kDescriptionFile[] = "/var/lib/discovery/Management.xml";
-const char kCycleLine[] = "saving management service description file\r\n";
-const char kSpeedUp[] = "+0 x300";
-const double kPeriodSeconds = 300;
+const char SettingsLink[] = "/home/Kiv/.settings/kivotrel";
+const char SettingsDirectory[] = "/home/Kiv/settings";
+const char ConfigurationDirectory[] = "/home/Kiv/settings/syscontrol/1.0/configuration";
+const char CollectorPath[] = "/usr/local/sbin/statuscollector";
+const char DescriptionFile[] = "/var/lib/discovery/Management.xml";
+const char CycleLine[] = "saving management service description file\r\n";
+const char SpeedUp[] = "+0 x300";
+const double PeriodSeconds = 300;
 /// Real time the whole run may take before the test gives up on it.
-const int kRunLimitSeconds = 300;
+const int RunLimitSeconds = 300;
 
 std::string Configuration(const std::string& description, const std::vector<std::pair<int, int>>& services)
 {
@@ -72,7 +73,7 @@ double RealNow()
 std::string FaketimeProblem()
 {
     KivTest::ChildOutcome probe = KivTest::RunShellCommand(
-        std::string("command -v faketime >/dev/null && timeout 60 faketime -f '") + kSpeedUp + "' sleep 300");
+        std::string("command -v faketime >/dev/null && timeout 60 faketime -f '") + SpeedUp + "' sleep 300");
     if (probe.exited && probe.exitStatus == 0)
         return "";
     return "faketime cannot let sleep(300) pass quickly here (" + KivTest::Describe(probe) + ")";
@@ -113,7 +114,7 @@ struct Terminal
             ssize_t count = read(master, buffer, sizeof buffer);
             if (count <= 0)
                 break;
-            output.append(buffer, static_cast<size_t>(count));
+            output.append(buffer, static_cast<std::size_t>(count));
             milliseconds = 0;
         }
     }
@@ -129,9 +130,9 @@ void RunDaemonInNamespace(const std::string& work, const RecordingCollector& col
     for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
         ready = ready && MountNamespace::MountTmpfs(covered, fault);
     ready = ready && MountNamespace::MakeDirectories("/home/Kiv/.settings") &&
-            MountNamespace::MakeDirectories(kConfigurationDirectory) &&
-            symlink(kSettingsDirectory, kSettingsLink) == 0;
-    ready = ready && collector.Install(kCollectorPath, fault);
+            MountNamespace::MakeDirectories(ConfigurationDirectory) &&
+            symlink(SettingsDirectory, SettingsLink) == 0;
+    ready = ready && collector.Install(CollectorPath, fault);
     Terminal terminal;
     ready = ready && terminal.Open(fault);
     if (!ready) {
@@ -155,14 +156,14 @@ void RunDaemonInNamespace(const std::string& work, const RecordingCollector& col
         // libfaketime is preloaded ahead of a sanitizer runtime.
         std::string sanitizer = std::getenv("ASAN_OPTIONS") != nullptr ? std::getenv("ASAN_OPTIONS") : "";
         setenv("ASAN_OPTIONS", (sanitizer + (sanitizer.empty() ? "" : ":") + "verify_asan_link_order=0").c_str(), 1);
-        execlp("faketime", "faketime", "-f", kSpeedUp, KIV_DISCOVERYD_PROGRAM, static_cast<char*>(nullptr));
+        execlp("faketime", "faketime", "-f", SpeedUp, KIV_DISCOVERYD_PROGRAM, static_cast<char*>(nullptr));
         _exit(127);
     }
     setpgid(daemon, daemon);
     close(terminal.slave);
 
     std::string output;
-    time_t deadline = time(nullptr) + kRunLimitSeconds;
+    time_t deadline = time(nullptr) + RunLimitSeconds;
     while (!collector.Held() && time(nullptr) < deadline && waitpid(daemon, nullptr, WNOHANG) == 0)
         terminal.Drain(output, 100);
     terminal.Drain(output, 100);
@@ -214,7 +215,7 @@ TEST(DiscoverydEndToEndTest, PublishesOnlyChangesOverManyCyclesAndSurvivesBadInp
     KivTest::TemporaryDirectory work;
     for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
         ASSERT_NE(work.Path().rfind(covered, 0), 0u) << "the work directory would be hidden by the tmpfs on " << covered;
-    RecordingCollector collector(work.Path(), kConfigurationDirectory, kDescriptionFile);
+    RecordingCollector collector(work.Path(), ConfigurationDirectory, DescriptionFile);
 
     const std::string left80 = Configuration("Wall left", {{0, 80}});
     const std::string left8080 = Configuration("Wall left", {{2, 554}, {0, 8080}});
@@ -265,7 +266,7 @@ TEST(DiscoverydEndToEndTest, PublishesOnlyChangesOverManyCyclesAndSurvivesBadInp
     EXPECT_EQ(calls[0].runner.substr(calls[0].runner.find(' ') + 1), daemonName.substr(0, 15));
     for (unsigned index = 0; index < calls.size(); ++index) {
         EXPECT_EQ(calls[index].cycle, index + 1);
-        EXPECT_EQ(calls[index].command, (std::vector<std::string>{kCollectorPath, "-nolog"}));
+        EXPECT_EQ(calls[index].command, (std::vector<std::string>{CollectorPath, "-nolog"}));
         EXPECT_EQ(calls[index].runner, calls[0].runner) << "cycle " << index + 1 << " was run by another process";
     }
     EXPECT_EQ(ReadFile(work.Path() + "/alive"), "yes") << "the daemon did not survive the run";
@@ -273,14 +274,14 @@ TEST(DiscoverydEndToEndTest, PublishesOnlyChangesOverManyCyclesAndSurvivesBadInp
 
     // The first cycle starts at once; each later one after a 300-second sleep.
     double started = std::strtod(ReadFile(work.Path() + "/started").c_str(), nullptr);
-    EXPECT_LT(calls[0].time - started, kPeriodSeconds) << "the first cycle waited for a period";
+    EXPECT_LT(calls[0].time - started, PeriodSeconds) << "the first cycle waited for a period";
     for (unsigned index = 1; index < calls.size(); ++index)
-        EXPECT_GE(calls[index].time - calls[index - 1].time, kPeriodSeconds - 1) << "before cycle " << index + 1;
+        EXPECT_GE(calls[index].time - calls[index - 1].time, PeriodSeconds - 1) << "before cycle " << index + 1;
 
     // One line per completed cycle, whether or not the file was written.
     std::string expectedOutput;
     for (unsigned cycle = 1; cycle <= planned; ++cycle)
-        expectedOutput += kCycleLine;
+        expectedOutput += CycleLine;
     EXPECT_EQ(ReadFile(work.Path() + "/stdout"), expectedOutput);
 
     // Written in the first cycle, and later only when the port or a fragment changed.

@@ -35,14 +35,14 @@ using KivTest::ShellQuote;
 
 namespace {
 
-const char kDescriptionFile[] = "/var/lib/discovery/Management.xml";
+const char DescriptionFile[] = "/var/lib/discovery/Management.xml";
 /// Real time the first cycle may take before the test gives up on it.
-const int kCycleLimitSeconds = 120;
+const int CycleLimitSeconds = 120;
 /// Exit status of a namespace child that cannot build its network here.
-const int kCannotSetUp = 77;
+const int CannotSetUp = 77;
 
 /// The interfaces of the namespace, in the order of their indexes.
-const char kMakeInterfaces[] = "set -e\n"
+const char MakeInterfaces[] = "set -e\n"
                                "ip link add k0 address 02:00:00:00:00:01 type ifb\n"
                                "ip link add v0 address 02:00:00:00:00:02 type veth peer name v1 address 02:00:00:00:00:03\n"
                                "ip link set v0 addrgenmode none\n"
@@ -77,16 +77,16 @@ std::string NetworkFragment(const std::string& lines)
 
 /// The body of the namespace child: writes "expected" (what ip reports),
 /// "description" (the first published file), "stdout" and "stderr" of the
-/// daemon into \p work. Exits with kCannotSetUp, saying why, when this
+/// daemon into \p work. Exits with CannotSetUp, saying why, when this
 /// machine cannot make the namespaces or the interfaces.
 void RunOneCycle(const std::string& work)
 {
     std::string fault;
     if (!MountNamespace::Enter(fault) || unshare(CLONE_NEWNET) != 0 ||
-        std::system(("(" + std::string(kMakeInterfaces) + ") > /dev/null 2>&1").c_str()) != 0) {
+        std::system(("(" + std::string(MakeInterfaces) + ") > /dev/null 2>&1").c_str()) != 0) {
         std::printf("cannot make a network namespace with an ifb device and a veth pair here %s\n", fault.c_str());
         std::fflush(stdout);
-        _exit(kCannotSetUp);
+        _exit(CannotSetUp);
     }
     bool ready = true;
     for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin", "/sys/class/drm"})
@@ -126,12 +126,12 @@ void RunOneCycle(const std::string& work)
     setpgid(daemon, daemon);
     // The description is renamed into place whole, so once it exists it is complete.
     struct stat information;
-    for (int tenth = 0; tenth < kCycleLimitSeconds * 10 && stat(kDescriptionFile, &information) != 0; ++tenth) {
+    for (int tenth = 0; tenth < CycleLimitSeconds * 10 && stat(DescriptionFile, &information) != 0; ++tenth) {
         if (waitpid(daemon, nullptr, WNOHANG) != 0)
             break;
         usleep(100000);
     }
-    std::string description = ReadFile(kDescriptionFile);
+    std::string description = ReadFile(DescriptionFile);
     kill(-daemon, SIGKILL);
     waitpid(daemon, nullptr, 0);
     KivTest::WriteFile(work + "/description", description);
@@ -166,7 +166,7 @@ TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHid
         ASSERT_NE(work.Path().rfind(covered, 0), 0u) << "the work directory would be hidden by the tmpfs on " << covered;
 
     KivTest::ChildOutcome outcome = KivTest::RunInChild([&] { RunOneCycle(work.Path()); });
-    if (outcome.exited && outcome.exitStatus == kCannotSetUp)
+    if (outcome.exited && outcome.exitStatus == CannotSetUp)
         GTEST_SKIP() << outcome.standardOutput;
     ASSERT_EQ(outcome.standardOutput, "") << KivTest::Describe(outcome);
     std::string file = work.Path() + "/description";

@@ -7,16 +7,16 @@ namespace KivTest {
 
 namespace {
 
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+const std::string Declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
 
 std::string Configuration(const std::string& body)
 {
-    return kDeclaration + "<configuration>\n" + body + "</configuration>\n";
+    return Declaration + "<configuration>\n" + body + "</configuration>\n";
 }
 
 std::string Status(const std::string& body)
 {
-    return kDeclaration + "<status>\n" + body + "</status>\n";
+    return Declaration + "<status>\n" + body + "</status>\n";
 }
 
 std::vector<BadRecordFile> MakeSamples()
@@ -54,7 +54,7 @@ std::vector<BadRecordFile> MakeSamples()
          "3:10: unknown entity reference &nbsp;"},
         {"mismatched end tag", Kind::Configuration, Configuration("  <owner>ops</ownr>\n"),
          "3:15: malformed XML: start-end tags mismatch"},
-        {"wrong root element", Kind::Configuration, kDeclaration + "\n<config/>\n",
+        {"wrong root element", Kind::Configuration, Declaration + "\n<config/>\n",
          "3:1: root element is config, expected configuration"},
         {"threshold in hexadecimal", Kind::Configuration, Configuration("  <thresholdLow>0x28</thresholdLow>\n"),
          "3:3: element thresholdLow: \"0x28\" is not an unsigned decimal number"},
@@ -62,7 +62,7 @@ std::vector<BadRecordFile> MakeSamples()
          Configuration(services + "    <service kind=\"0\" port=\"80\" port=\"81\"/>\n  </services>\n"),
          "4:5: attribute port of service is given twice"},
         {"document type declaration", Kind::Configuration,
-         kDeclaration + "<!DOCTYPE configuration>\n<configuration/>\n",
+         Declaration + "<!DOCTYPE configuration>\n<configuration/>\n",
          "2:1: document type declarations are not supported"},
         {"output without rows", Kind::Status,
          Status("  <outputs>\n    <output number=\"1\" kind=\"0\" columns=\"4\"/>\n  </outputs>\n"),

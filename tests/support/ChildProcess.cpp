@@ -2,6 +2,7 @@
 #include <KivTest/ChildProcess.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -32,7 +33,7 @@ void ReadAll(int outputPipe, int errorPipe, std::string& output, std::string& er
             char buffer[4096];
             ssize_t count = read(descriptors[index].fd, buffer, sizeof buffer);
             if (count > 0) {
-                targets[index]->append(buffer, static_cast<size_t>(count));
+                targets[index]->append(buffer, static_cast<std::size_t>(count));
             } else if (count == 0 || errno != EINTR) {
                 close(descriptors[index].fd);
                 descriptors[index].fd = -1;

@@ -5,6 +5,7 @@
 #include <KivTest/MountNamespace.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -55,7 +56,7 @@ std::vector<std::string> FakeSyslogSocket::Receive()
             continue;
         if (size < 0)
             break;
-        datagrams.emplace_back(buffer, static_cast<size_t>(size));
+        datagrams.emplace_back(buffer, static_cast<std::size_t>(size));
     }
     return datagrams;
 }

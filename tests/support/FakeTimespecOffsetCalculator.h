@@ -17,6 +17,7 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
+#include <cstdint>
 #include <mutex>
 #include <vector>
 

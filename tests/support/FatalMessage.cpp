@@ -4,6 +4,7 @@
 #include <KivPlr/core/FatalError.h>
 
 #include <cerrno>
+#include <cstddef>
 #include <cstdlib>
 #include <cwchar>
 #include <unistd.h>

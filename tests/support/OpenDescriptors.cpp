@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstddef>
 #include <cstdlib>
 #include <dirent.h>
 #include <fstream>
@@ -37,7 +38,7 @@ std::vector<int> DescriptorsOpenOn(const std::string& path)
             continue;
         char target[PATH_MAX];
         ssize_t length = readlink(("/proc/self/fd/" + name).c_str(), target, sizeof target);
-        if (length > 0 && std::string(target, static_cast<size_t>(length)) == wanted)
+        if (length > 0 && std::string(target, static_cast<std::size_t>(length)) == wanted)
             found.push_back(descriptor);
     }
     closedir(directory);

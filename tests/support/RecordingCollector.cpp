@@ -17,7 +17,7 @@ namespace KivTest {
 
 namespace {
 
-const char kStatusFile[] = "/dev/shm/status.xml";
+const char StatusFile[] = "/dev/shm/status.xml";
 
 std::vector<std::string> Split(const std::string& text, char separator)
 {
@@ -78,7 +78,7 @@ std::string RecordingCollector::Script() const
            "configuration=" + ShellQuote(configurationDirectory) + "\n"
            "watched=" + ShellQuote(watchedFile) + "\n"
            "watched_directory=" + ShellQuote(watchedDirectory) + "\n"
-           "status=" + ShellQuote(kStatusFile) + "\n"
+           "status=" + ShellQuote(StatusFile) + "\n"
            "cycle=$(( $(cat \"$record/count\") + 1 ))\n"
            "echo \"$cycle\" > \"$record/count\"\n"
            "# The program that ran us: the nearest ancestor that is not the shell of system().\n"

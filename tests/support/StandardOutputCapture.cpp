@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivTest/StandardOutputCapture.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
@@ -41,7 +42,7 @@ std::string StandardOutputCapture::Finish()
     ssize_t count;
     off_t offset = 0;
     while ((count = pread(captureFile, buffer, sizeof buffer, offset)) > 0) {
-        captured.append(buffer, static_cast<size_t>(count));
+        captured.append(buffer, static_cast<std::size_t>(count));
         offset += count;
     }
     close(captureFile);

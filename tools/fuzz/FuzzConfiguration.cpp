@@ -6,6 +6,8 @@
 #include <VpCfg/CConfig.h>
 #include "FuzzWorkspace.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -15,9 +17,9 @@ namespace {
 struct Snapshot
 {
     std::vector<std::string> texts;
-    uint32_t thresholdLow;
-    uint32_t thresholdHigh;
-    std::vector<std::pair<uint32_t, uint16_t>> services;
+    std::uint32_t thresholdLow;
+    std::uint32_t thresholdHigh;
+    std::vector<std::pair<std::uint32_t, std::uint16_t>> services;
 
     explicit Snapshot(const VpCfg::CConfig& config)
         : texts{config.descriptionText, config.timeZoneName, config.computerName, config.formatVersion,
@@ -38,7 +40,7 @@ struct Snapshot
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static FuzzWorkspace workspace;
     static VpCfg::CConfig config;
@@ -54,10 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             FUZZ_CHECK(message.compare(0, file.size(), file) == 0);
     } else {
         FUZZ_CHECK(config.ErrorMessages().empty());
-        FUZZ_CHECK(size <= VpCfg::CConfig::kMaximumFileBytes);
-        FUZZ_CHECK(after.services.size() <= VpCfg::CConfig::kMaximumServices);
+        FUZZ_CHECK(size <= VpCfg::CConfig::MaximumFileBytes);
+        FUZZ_CHECK(after.services.size() <= VpCfg::CConfig::MaximumServices);
         for (const std::string& text : after.texts)
-            FUZZ_CHECK(text.size() <= VpCfg::CConfig::kMaximumTextBytes);
+            FUZZ_CHECK(text.size() <= VpCfg::CConfig::MaximumTextBytes);
     }
     return 0;
 }

@@ -12,6 +12,8 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -22,14 +24,14 @@ namespace {
 /// U+10FFFF, then apply the XML 1.0 character ranges.
 bool Representable(const std::string& text)
 {
-    size_t index = 0;
+    std::size_t index = 0;
     while (index < text.size()) {
         unsigned lead = static_cast<unsigned char>(text[index]);
-        size_t length = lead < 0x80 ? 1 : (lead >> 5) == 6 ? 2 : (lead >> 4) == 14 ? 3 : (lead >> 3) == 30 ? 4 : 0;
+        std::size_t length = lead < 0x80 ? 1 : (lead >> 5) == 6 ? 2 : (lead >> 4) == 14 ? 3 : (lead >> 3) == 30 ? 4 : 0;
         if (length == 0 || index + length > text.size())
             return false;
         unsigned long value = length == 1 ? lead : lead & (0xFFu >> (length + 1));
-        for (size_t next = 1; next < length; ++next) {
+        for (std::size_t next = 1; next < length; ++next) {
             unsigned byte = static_cast<unsigned char>(text[index + next]);
             if ((byte >> 6) != 2)
                 return false;
@@ -55,7 +57,7 @@ bool PlainFileName(const std::string& name)
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static FuzzWorkspace workspace;
     static bool entered = chdir(workspace.Path().c_str()) == 0;
@@ -63,10 +65,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 
     FuzzedDataProvider provider(data, size);
     std::string name = provider.ConsumeRandomLengthString(48);
-    std::vector<std::string> types(provider.ConsumeIntegralInRange<size_t>(0, 3));
+    std::vector<std::string> types(provider.ConsumeIntegralInRange<std::size_t>(0, 3));
     for (std::string& type : types)
         type = provider.ConsumeRandomLengthString(256);
-    std::vector<std::string> scopes(provider.ConsumeIntegralInRange<size_t>(0, 3));
+    std::vector<std::string> scopes(provider.ConsumeIntegralInRange<std::size_t>(0, 3));
     for (std::string& scope : scopes)
         scope = provider.ConsumeRandomLengthString(256);
     unsigned short port = provider.ConsumeIntegral<unsigned short>();

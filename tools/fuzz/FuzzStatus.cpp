@@ -7,6 +7,8 @@
 #include <VpSts/CStatus.h>
 #include "FuzzWorkspace.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -31,12 +33,12 @@ struct Snapshot
             values.push_back("device " + std::to_string(device->deviceNumber));
             for (const char* text : {device->name, device->macAddress, device->ipv4Address, device->ipv6Address,
                                      device->gateway, device->subnet}) {
-                FUZZ_CHECK(text == nullptr || std::string(text).size() <= VpSts::CStatus::kMaximumTextBytes);
+                FUZZ_CHECK(text == nullptr || std::string(text).size() <= VpSts::CStatus::MaximumTextBytes);
                 values.push_back(Describe(text));
             }
         }
         FUZZ_CHECK(index == status.networkDeviceList.Count());
-        FUZZ_CHECK(index <= VpSts::CStatus::kMaximumNetworkDevices);
+        FUZZ_CHECK(index <= VpSts::CStatus::MaximumNetworkDevices);
         for (index = 0; status.outputList[index] != nullptr; ++index) {
             const VpSts::COutput* output = status.outputList[index];
             values.push_back("output " + std::to_string(output->outputNumber) + " " +
@@ -44,13 +46,13 @@ struct Snapshot
                              " " + std::to_string(output->translationColumns));
         }
         FUZZ_CHECK(index == status.outputList.Count());
-        FUZZ_CHECK(index <= VpSts::CStatus::kMaximumOutputs);
+        FUZZ_CHECK(index <= VpSts::CStatus::MaximumOutputs);
     }
 };
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static FuzzWorkspace workspace;
     static VpSts::CStatus status;
@@ -66,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
             FUZZ_CHECK(message.compare(0, file.size(), file) == 0);
     } else {
         FUZZ_CHECK(status.ErrorMessages().empty());
-        FUZZ_CHECK(size <= VpSts::CStatus::kMaximumFileBytes);
+        FUZZ_CHECK(size <= VpSts::CStatus::MaximumFileBytes);
     }
     return 0;
 }

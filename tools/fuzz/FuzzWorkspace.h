@@ -51,7 +51,7 @@ public:
     const std::string& Path() const { return path; }
 
     /// Replaces the file \p name in the workspace with \p size bytes of \p data.
-    void Write(const std::string& name, const uint8_t* data, size_t size) const
+    void Write(const std::string& name, const std::uint8_t* data, std::size_t size) const
     {
         std::string file = path + "/" + name;
         FILE* stream = std::fopen(file.c_str(), "wb");

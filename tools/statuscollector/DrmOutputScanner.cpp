@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <dirent.h>
 #include <fstream>
@@ -12,7 +13,7 @@ namespace KivCollector {
 
 namespace {
 
-const char kConnectedStatus[] = "connected";
+const char ConnectedStatus[] = "connected";
 
 /// The first line of \p file without its line feed; empty when unreadable.
 std::string FirstLine(const std::string& file)
@@ -70,7 +71,7 @@ bool DrmOutputScanner::Scan(std::vector<CollectedStatus::Output>& outputs, std::
     for (const std::string& connector : connectors) {
         CollectedStatus::Output output;
         output.number = ++number;
-        bool connected = FirstLine(directory + "/" + connector + "/status") == kConnectedStatus;
+        bool connected = FirstLine(directory + "/" + connector + "/status") == ConnectedStatus;
         output.kind = connected ? CollectedStatus::ConnectedKind : CollectedStatus::DisconnectedKind;
         outputs.push_back(output);
     }

@@ -15,6 +15,7 @@
 #include <StatusCollector/CollectedStatus.h>
 #include <StatusCollector/DefaultGatewayTable.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 

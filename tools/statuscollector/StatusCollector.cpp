@@ -18,7 +18,7 @@ namespace KivCollector {
 
 namespace {
 
-const mode_t kSnapshotMode = 0644;
+const mode_t SnapshotMode = 0644;
 
 /// What a file of \p mode is, with its article, for a message.
 const char* KindOfFile(mode_t mode)
@@ -99,7 +99,7 @@ bool StatusCollector::Publish(const std::string& text, const std::string& file, 
     if (::chdir(directory.c_str()) != 0)
         fault = file + ": cannot enter " + directory + ": " + std::strerror(errno);
     else
-        written = KivClosed::AtomicFileWriter::Replace(name, text, kSnapshotMode, fault);
+        written = KivClosed::AtomicFileWriter::Replace(name, text, SnapshotMode, fault);
     if (::fchdir(previousDirectory) != 0 && written) {
         fault = std::string("cannot return to the working directory: ") + std::strerror(errno);
         written = false;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <StatusCollector/StatusDocument.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <pugixml.hpp>
 #include <sstream>
 

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 
 using namespace KivPlr;
 

@@ -16,10 +16,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <mutex>
+#include <ostream>
 #include <set>
 #include <string>
 #include <sys/stat.h>

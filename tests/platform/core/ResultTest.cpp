@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/core/Result.h>
 
+#include <cstdint>
 #include <gtest/gtest.h>
 
 using namespace KivPlr;

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -151,7 +153,7 @@ TEST_F(FileManagerTest, OpenFollowsTheDispositionAndAccessTable)
                     bool emptiedInPlace = shouldOpen && truncate && kind != 3;
                     char buffer[32] = {};
                     ssize_t got = read(keeper, buffer, sizeof buffer);
-                    EXPECT_EQ(std::string(buffer, got > 0 ? static_cast<size_t>(got) : 0),
+                    EXPECT_EQ(std::string(buffer, got > 0 ? static_cast<std::size_t>(got) : 0),
                               emptiedInPlace ? std::string() : OldContent);
                     close(keeper);
                 }

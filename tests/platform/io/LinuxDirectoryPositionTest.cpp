@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <dirent.h>
 #include <fcntl.h>
 #include <string>

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <fcntl.h>
 #include <functional>
@@ -288,7 +289,7 @@ TEST_F(LinuxFileStreamTest, ShortWriteIsReportedNotRetried)
     int capacity = fcntl(channel.ends[1], F_GETPIPE_SZ);
     ASSERT_GT(capacity, 200);
     // Leave 100 bytes of room in the pipe.
-    std::vector<char> filler(static_cast<size_t>(capacity - 100), 'f');
+    std::vector<char> filler(static_cast<std::size_t>(capacity - 100), 'f');
     ASSERT_EQ(write(channel.ends[1], filler.data(), filler.size()), static_cast<ssize_t>(filler.size()));
     SmartPtr<IStream> stream(new LinuxFileStream(channel.ends[1]));
     // The kernel tops up the pipe's last page with the part of a write that

@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <pthread.h>
 #include <semaphore.h>
@@ -90,7 +92,7 @@ struct Inside
     EventLog* log = nullptr;
     int policy = -1;
     int posixPriority = -1;
-    size_t stackSize = 0;
+    std::size_t stackSize = 0;
 };
 
 void RecordSchedulingAndStack(void* argument)

@@ -13,9 +13,9 @@ using KivTest::PublishedText;
 
 namespace {
 
-const std::vector<std::string> kEth0 = {"eth0", "02:00:00:00:00:02", "192.0.2.10", "2001:db8::10", "192.0.2.1",
+const std::vector<std::string> Eth0 = {"eth0", "02:00:00:00:00:02", "192.0.2.10", "2001:db8::10", "192.0.2.1",
                                         "255.255.255.0"};
-const std::vector<std::string> kIfb0 = {"ifb0", "02:00:00:00:00:01", "", "", "", ""};
+const std::vector<std::string> Ifb0 = {"ifb0", "02:00:00:00:00:01", "", "", "", ""};
 
 /// "number name mac ipv4 ipv6 gateway subnet" of an interface.
 std::string Line(const PublishedMetadata::Interface& interface)
@@ -29,7 +29,7 @@ std::string Line(const PublishedMetadata::Interface& interface)
 TEST(PublishedMetadataTest, DecodesEveryPartOfACompleteText)
 {
     PublishedMetadata metadata = PublishedMetadata::Decode(PublishedText(
-        DeviceText("2", kIfb0) + DeviceText("4", kEth0), OutputText("1", "2", "4") + OutputText("3", "1", "1")));
+        DeviceText("2", Ifb0) + DeviceText("4", Eth0), OutputText("1", "2", "4") + OutputText("3", "1", "1")));
     EXPECT_EQ(metadata.problem, "");
     EXPECT_EQ(metadata.description, "Wall left");
     EXPECT_EQ(metadata.timeZone, "UTC");
@@ -49,9 +49,9 @@ TEST(PublishedMetadataTest, DecodesEveryPartOfACompleteText)
 
 TEST(PublishedMetadataTest, ACutAtAnyItemNamesTheInterfaceAndTheItemAndTheOutputsStillFollow)
 {
-    for (const std::string& item : KivTest::kDeviceItems) {
+    for (const std::string& item : KivTest::DeviceItems) {
         PublishedMetadata metadata = PublishedMetadata::Decode(
-            PublishedText(DeviceText("4", kEth0) + CutDeviceText("7", kIfb0, item), OutputText("1", "1", "1"), true));
+            PublishedText(DeviceText("4", Eth0) + CutDeviceText("7", Ifb0, item), OutputText("1", "1", "1"), true));
         EXPECT_EQ(metadata.problem, "") << item;
         ASSERT_EQ(metadata.interfaces.size(), 1u) << item;
         EXPECT_EQ(metadata.interfaces[0].name, "eth0");
@@ -67,7 +67,7 @@ TEST(PublishedMetadataTest, ACutAtAnyItemNamesTheInterfaceAndTheItemAndTheOutput
 TEST(PublishedMetadataTest, ACutInTheFirstInterfaceLeavesNoInterface)
 {
     PublishedMetadata metadata =
-        PublishedMetadata::Decode(PublishedText(CutDeviceText("2", kIfb0, "IPv4"), "", true));
+        PublishedMetadata::Decode(PublishedText(CutDeviceText("2", Ifb0, "IPv4"), "", true));
     EXPECT_EQ(metadata.problem, "");
     EXPECT_TRUE(metadata.interfaces.empty());
     EXPECT_TRUE(metadata.networkCut);
@@ -100,7 +100,7 @@ TEST(PublishedMetadataTest, TextOutsideTheLayoutIsReportedAtItsByteAfterWhatWasR
 {
     EXPECT_EQ(PublishedMetadata::Decode("").problem, "byte 0: expected <cpp:Config>");
     EXPECT_EQ(PublishedMetadata::Decode("<cpp:Config><Oops>").problem, "byte 12: expected <Description>");
-    std::string text = PublishedText(DeviceText("2", kEth0), "<Output/>");
+    std::string text = PublishedText(DeviceText("2", Eth0), "<Output/>");
     PublishedMetadata metadata = PublishedMetadata::Decode(text);
     EXPECT_EQ(metadata.problem, "byte " + std::to_string(text.find("<Output/>")) +
                                     ": expected <Output number=\\\"...\\\" ...>...</Output> or </Outputs>");

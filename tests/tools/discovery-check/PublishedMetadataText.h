@@ -8,20 +8,21 @@
 #ifndef KIV_TESTS_PUBLISHEDMETADATATEXT_H
 #define KIV_TESTS_PUBLISHEDMETADATATEXT_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace KivTest {
 
 /// The six items of a device, in published order.
-const std::vector<std::string> kDeviceItems = {"Name", "MAC", "IPv4", "IPv6", "Gateway", "Subnet"};
+const std::vector<std::string> DeviceItems = {"Name", "MAC", "IPv4", "IPv6", "Gateway", "Subnet"};
 
 /// A complete NetworkDevice element with the six \p values in published order.
 inline std::string DeviceText(const std::string& number, const std::vector<std::string>& values)
 {
     std::string text = "<NetworkDevice number=\\\"" + number + "\\\">";
-    for (std::size_t index = 0; index < kDeviceItems.size(); ++index)
-        text += "<" + kDeviceItems[index] + ">" + values.at(index) + "</" + kDeviceItems[index] + ">";
+    for (std::size_t index = 0; index < DeviceItems.size(); ++index)
+        text += "<" + DeviceItems[index] + ">" + values.at(index) + "</" + DeviceItems[index] + ">";
     return text + "</NetworkDevice>";
 }
 
@@ -31,11 +32,11 @@ inline std::string CutDeviceText(const std::string& number, const std::vector<st
                                  const std::string& missingItem)
 {
     std::string text = "<NetworkDevice number=\\\"" + number + "\\\">";
-    for (std::size_t index = 0; index < kDeviceItems.size(); ++index) {
-        text += "<" + kDeviceItems[index] + ">";
-        if (kDeviceItems[index] == missingItem)
+    for (std::size_t index = 0; index < DeviceItems.size(); ++index) {
+        text += "<" + DeviceItems[index] + ">";
+        if (DeviceItems[index] == missingItem)
             return text;
-        text += values.at(index) + "</" + kDeviceItems[index] + ">";
+        text += values.at(index) + "</" + DeviceItems[index] + ">";
     }
     return text;
 }

@@ -3,6 +3,7 @@
 
 #include <KivTest/TemporaryDirectory.h>
 
+#include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -15,6 +15,8 @@
 #include <KivTest/ShellCommand.h>
 #include <StatusCollector/CollectedStatus.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <sstream>
 #include <string>

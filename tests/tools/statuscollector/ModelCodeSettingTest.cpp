@@ -3,6 +3,7 @@
 
 #include <StatusCollector/CollectedStatus.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
 

@@ -3,6 +3,7 @@
 
 #include "ExpectedNetwork.h"
 
+#include <cstdint>
 #include <gtest/gtest.h>
 
 using KivCollector::CollectedStatus;

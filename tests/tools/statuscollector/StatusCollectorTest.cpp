@@ -11,6 +11,8 @@
 #include <StatusCollector/NetworkDeviceScanner.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -35,7 +37,7 @@ std::string WorkingDirectory()
     return getcwd(buffer, sizeof buffer) != nullptr ? buffer : "";
 }
 
-const char kRouteHeader[] = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n";
+const char RouteHeader[] = "Iface\tDestination\tGateway \tFlags\tRefCnt\tUse\tMetric\tMask\t\tMTU\tWindow\tIRTT\n";
 
 } // namespace
 
@@ -193,7 +195,7 @@ TEST(StatusCollectorCollectTest, TakesGatewaysFromTheRouteTableAndOutputsFromThe
     std::memcpy(&gatewayWord, gatewayBytes, 4);
     char gatewayHex[16];
     std::snprintf(gatewayHex, sizeof gatewayHex, "%08X", static_cast<unsigned int>(gatewayWord));
-    ASSERT_TRUE(WriteFile(routeFile, std::string(kRouteHeader) + devices.front().name + "\t00000000\t" + gatewayHex +
+    ASSERT_TRUE(WriteFile(routeFile, std::string(RouteHeader) + devices.front().name + "\t00000000\t" + gatewayHex +
                                          "\t0003\t0\t0\t0\t00000000\t0\t0\t0\n"));
     std::string drm = directory.Path() + "/drm";
     ASSERT_EQ(mkdir(drm.c_str(), 0755), 0);
@@ -227,7 +229,7 @@ TEST(StatusCollectorCollectTest, AnUnreadableRouteTableFailsAndLeavesTheStatusAl
 TEST(StatusCollectorCollectTest, AnUnreadableGraphicsDirectoryFailsAndLeavesTheStatusAlone)
 {
     TemporaryDirectory directory;
-    ASSERT_TRUE(WriteFile(directory.Path() + "/route", kRouteHeader));
+    ASSERT_TRUE(WriteFile(directory.Path() + "/route", RouteHeader));
     ASSERT_TRUE(WriteFile(directory.Path() + "/drm", "not a directory"));
     CollectedStatus status;
     status.modelCode = 12;
@@ -242,7 +244,7 @@ TEST(StatusCollectorCollectTest, AnUnreadableGraphicsDirectoryFailsAndLeavesTheS
 TEST(StatusCollectorCollectTest, ABadModelCodeSettingWarnsButCollects)
 {
     TemporaryDirectory directory;
-    ASSERT_TRUE(WriteFile(directory.Path() + "/route", kRouteHeader));
+    ASSERT_TRUE(WriteFile(directory.Path() + "/route", RouteHeader));
     const char* old = std::getenv(ModelCodeSetting::VariableName);
     std::string oldValue = old != nullptr ? old : "";
     setenv(ModelCodeSetting::VariableName, "three", 1);

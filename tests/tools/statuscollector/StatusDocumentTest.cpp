@@ -41,7 +41,7 @@ CollectedStatus::NetworkDevice FullDevice()
     return full;
 }
 
-const char kFullDeviceText[] =
+const char FullDeviceText[] =
     "2 \"eth0\" \"00:11:22:33:44:55\" \"192.0.2.10\" \"2001:db8::10\" \"192.0.2.1\" \"255.255.255.0\"";
 
 /// An interface with a name and nothing else: number 7, ifb0.
@@ -53,7 +53,7 @@ CollectedStatus::NetworkDevice BareDevice()
     return bare;
 }
 
-const char kBareDeviceText[] = "7 \"ifb0\" \"\" \"\" \"\" \"\" \"\"";
+const char BareDeviceText[] = "7 \"ifb0\" \"\" \"\" \"\" \"\" \"\"";
 
 /// A loaded device as "number name mac ipv4 ipv6 gateway subnet", each text
 /// quoted or "null"; "none" past the end of the list.
@@ -90,8 +90,8 @@ TEST(StatusDocumentTest, TheSnapshotLoadsBackThroughTheStatusLibrary)
     VpSts::CStatus status;
     ASSERT_TRUE(LoadThroughStatusLibrary(StatusDocument::Render(collected), status));
     EXPECT_EQ(status.modelCode, 3u);
-    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), kFullDeviceText);
-    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), kBareDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), FullDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), BareDeviceText);
     EXPECT_EQ(DeviceText(status.networkDeviceList[2u]), "none");
 
     const VpSts::COutput* output1 = status.outputList[0u];
@@ -158,7 +158,7 @@ TEST(StatusDocumentTest, AnInterfaceWithoutAddressesDoesNotHideTheInterfacesAfte
     ASSERT_TRUE(LoadThroughStatusLibrary(StatusDocument::Render(collected), status));
     // No null text anywhere: the publisher's network fragment runs through
     // both interfaces.
-    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), kBareDeviceText);
-    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), kFullDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[0u]), BareDeviceText);
+    EXPECT_EQ(DeviceText(status.networkDeviceList[1u]), FullDeviceText);
     EXPECT_EQ(DeviceText(status.networkDeviceList[2u]), "none");
 }
