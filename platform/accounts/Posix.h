@@ -14,9 +14,9 @@
 #include <KivPlr/accounts/IPosix.h>
 #include <KivPlr/core/Object.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class Posix : private Object, public IPosix
 {

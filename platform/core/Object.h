@@ -16,12 +16,12 @@
 
 #include <KivPlr/core/IObject2.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class Object : public virtual IObject, public virtual IObject2
 {
-#include <cstdint>
-
 public:
     Object();
     ~Object() override;

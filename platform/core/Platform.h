@@ -17,9 +17,9 @@
 #include <KivPlr/core/IPlatform.h>
 #include <KivPlr/core/Object.h>
 
-namespace KivPlr {
-
 #include <cstdint>
+
+namespace KivPlr {
 
 class Platform : protected Object, public IPlatform
 {

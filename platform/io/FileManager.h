@@ -14,11 +14,11 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/IFileManager.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class FileManager : private Object, public IFileManager
-#include <cstdint>
-
 {
 public:
     void CreateFile(const Path& path, _Result& result) override;

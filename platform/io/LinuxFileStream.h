@@ -15,9 +15,9 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/IStream.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class LinuxFileStream : private Object, public IStream
 {

@@ -14,6 +14,8 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/ILog.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class Log : private Object, public ILog
@@ -21,8 +23,6 @@ class Log : private Object, public ILog
 public:
     /// Closes the process-wide channel.
     ~Log() override;
-#include <cstdint>
-
 
     using ILog::Write;
     /// syslog at LOG_INFO (levels 0 and unknown ones), LOG_WARNING (1) or

@@ -13,13 +13,13 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/ILogManager.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class LogManager : private Object, public ILogManager
 {
 public:
-#include <cstdint>
-
     /// openlog(identity, LOG_CONS, facility): LOG_USER for 0 and unknown
     /// values, LOG_DAEMON for 1, LOG_KERN for 2.
     void Open(const Path& name, const std::string& identity, std::uint32_t facility, SmartPtr<ILog>& log,

@@ -24,13 +24,13 @@
 #include <KivPlr/io/IStream.h>
 #include <KivPlr/io/IStreamReader.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class StreamReader : private Object, public IStreamReader
 {
 public:
-#include <cstdint>
-
     /// Keeps \p stream until the reader goes. Reading through a reader made
     /// with an empty pointer is fatal ("SmartPtr<T>-> NULL reference").
     explicit StreamReader(const SmartPtr<IStream>& stream);

@@ -13,9 +13,9 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ILock.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class LockBase : protected Object, public ILock
 {

@@ -16,10 +16,10 @@
 #include <KivPlr/sync/WaitEvent.h>
 
 #include <atomic>
+#include <cstdint>
 
 namespace KivPlr {
 
-#include <cstdint>
 class ManualResetEvent : public WaitEvent, public IManualResetEvent
 {
 public:

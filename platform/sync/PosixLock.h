@@ -19,11 +19,11 @@
 #include <KivPlr/sync/LockBase.h>
 #include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
+#include <cstdint>
 #include <pthread.h>
 
 namespace KivPlr {
 
-#include <cstdint>
 class PosixLock : public LockBase
 {
 public:

@@ -17,11 +17,11 @@
 #include <KivPlr/sync/SemaphoreBase.h>
 #include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
 
+#include <cstdint>
 #include <semaphore.h>
 
 namespace KivPlr {
 
-#include <cstdint>
 class PosixSemaphore : public SemaphoreBase
 {
 public:

@@ -19,8 +19,8 @@
 #include <KivPlr/sync/IPosixThreadPriorityConverter.h>
 #include <KivPlr/sync/ThreadBase.h>
 
-#include <pthread.h>
 #include <cstdint>
+#include <pthread.h>
 
 namespace KivPlr {
 

@@ -16,8 +16,8 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/IPosixThreadPriorityConverter.h>
 
-#include <map>
 #include <cstdint>
+#include <map>
 
 namespace KivPlr {
 

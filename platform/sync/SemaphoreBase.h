@@ -14,9 +14,9 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ISemaphore.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class SemaphoreBase : protected Object, public ISemaphore
 {

@@ -16,9 +16,9 @@
 #include <KivPlr/sync/IThread.h>
 #include <KivPlr/sync/IThreadObserver.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class ThreadBase : protected Object, public IThread
 {

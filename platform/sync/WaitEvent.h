@@ -16,11 +16,11 @@
 #include <KivPlr/sync/ILock.h>
 #include <KivPlr/sync/IWaitEvent.h>
 
+#include <cstdint>
+
 namespace KivPlr {
 
 class WaitEvent : protected Object, public virtual IWaitEvent
-#include <cstdint>
-
 {
 public:
     /// Keeps a reference on \p monitor. A missing monitor is fatal when the

@@ -14,9 +14,9 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/time/IClock.h>
 
-namespace KivPlr {
 #include <cstdint>
 
+namespace KivPlr {
 
 class ClockBase : private Object, public IClock
 {

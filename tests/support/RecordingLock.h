@@ -16,10 +16,10 @@
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ILock.h>
 
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <vector>
-#include <cstdint>
 
 namespace KivTest {
 
