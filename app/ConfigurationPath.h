@@ -6,6 +6,8 @@
 // Built once by the entry point on its stack and read for the life of the
 // process; a plain value, not shared between threads.
 //
+// Example:
+//   #include <Discoveryd/Globals.h>
 //   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   gConfig.LoadResources(configurationPath.Get());
 #ifndef KIV_APP_CONFIGURATIONPATH_H

@@ -5,6 +5,11 @@
 // Made by the entry point on its stack and used by the refresh loop on the
 // main thread; gServices must have been filled by StartDaemon first.
 //
+// Example:
+//   #include <Discoveryd/ConfigurationPath.h>
+//   #include <Discoveryd/DaemonRefreshSteps.h>
+//   #include <Discoveryd/RefreshLoop.h>
+//   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   DaemonRefreshSteps steps;
 //   RunRefreshLoop(steps, configurationPath.Get());
 #ifndef KIV_APP_DAEMONREFRESHSTEPS_H

@@ -6,6 +6,8 @@
 // Called once by the entry point on the main thread, after the configuration
 // path is built. The installed platform and gServices live until exit.
 //
+// Example:
+//   #include <KivConfig/DiscoverableServices.h>
 //   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   StartDaemon(KivConfig::DiscoverableServices::OutputDirectory);
 #ifndef KIV_APP_DAEMONSTARTUP_H

@@ -6,6 +6,9 @@
 // refresh loop once per cycle; gServices is empty until start-up fills it.
 // Only the daemon's one thread touches them.
 //
+// Example:
+//   #include <Discoveryd/ConfigurationPath.h>
+//   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   gConfig.LoadResources(configurationPath.Get());
 //   gStatus.Load("/dev/shm/status.xml");
 //   gServices->Update();

@@ -6,6 +6,11 @@
 // snapshot before loading it, publishes, and only then pauses, so the first
 // cycle runs at once and the period is the pause plus one cycle's work.
 //
+// Example:
+//   #include <Discoveryd/ConfigurationPath.h>
+//   #include <Discoveryd/DaemonRefreshSteps.h>
+//   #include <Discoveryd/RefreshLoop.h>
+//   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   DaemonRefreshSteps steps;
 //   RunRefreshLoop(steps, configurationPath.Get());
 #ifndef KIV_APP_REFRESHLOOP_H

@@ -6,6 +6,11 @@
 // records and publishes; tests hand in steps that record the calls. Used by
 // the one thread that runs the loop.
 //
+// Example:
+//   #include <Discoveryd/ConfigurationPath.h>
+//   #include <Discoveryd/DaemonRefreshSteps.h>
+//   #include <Discoveryd/RefreshLoop.h>
+//   ConfigurationPath configurationPath(ConfigurationPath::SettingsLink);
 //   DaemonRefreshSteps steps;
 //   RunRefreshLoop(steps, configurationPath.Get());   // never returns
 #ifndef KIV_APP_REFRESHSTEPS_H

@@ -7,9 +7,11 @@
 // Used by Discovery::WriteToFile; a stateless helper, safe on any thread as
 // long as no other thread changes the working directory meanwhile.
 //
+// Example:
+//   std::string text;
 //   std::string fault;
 //   if (!AtomicFileWriter::Replace("Management.xml", text, 0644, fault))
-//       report(fault);   // "Management.xml: cannot write ...: No space left on device"
+//       std::fprintf(stderr, "%s\n", fault.c_str());   // "Management.xml: cannot write ...: No space left on device"
 #ifndef KIV_CLOSED_ATOMICFILEWRITER_H
 #define KIV_CLOSED_ATOMICFILEWRITER_H
 

@@ -7,6 +7,7 @@
 // record whole or, when the file is bad in any way, not at all. Not
 // synchronised: load and read on one thread.
 //
+// Example:
 //   VpCfg::CConfig config;                        // every field at its default
 //   if (!config.LoadResources("/x/syscontrol/1.0/configuration"))
 //       std::fprintf(stderr, "%s\n", config.ErrorMessage().c_str());

@@ -7,7 +7,10 @@
 // readers get const pointers that stay valid until the next successful
 // CStatus::Load. Read on the loading thread only.
 //
-//   const VpSts::CNetworkDevice* device = gStatus.networkDeviceList[0u];
+// Example:
+//   #include <VpSts/CStatus.h>
+//   VpSts::CStatus status;                 // the daemon reads gStatus
+//   const VpSts::CNetworkDevice* device = status.networkDeviceList[0u];
 //   if (device != nullptr && device->ipv4Address != nullptr)
 //       std::printf("%u %s\n", device->deviceNumber, device->ipv4Address);
 #ifndef KIV_CLOSED_CNETWORKDEVICE_H

@@ -6,11 +6,14 @@
 // by the publisher, which walks it by index until it gets a null pointer.
 // Not synchronised: read it on the thread that loads the record.
 //
+// Example:
+//   #include <VpSts/CStatus.h>
+//   VpSts::CStatus status;                  // the process uses gStatus
 //   for (unsigned int index = 0;; ++index) {
-//       const VpSts::CNetworkDevice* device = gStatus.networkDeviceList[index];
+//       const VpSts::CNetworkDevice* device = status.networkDeviceList[index];
 //       if (device == nullptr)
 //           break;
-//       use(device->deviceNumber, device->name);   // name may be null
+//       std::printf("%u %s\n", device->deviceNumber, device->name ? device->name : "");   // name may be null
 //   }
 #ifndef KIV_CLOSED_CNETWORKDEVICELIST_H
 #define KIV_CLOSED_CNETWORKDEVICELIST_H

@@ -6,9 +6,12 @@
 // get const pointers that stay valid until the next successful
 // CStatus::Load. Read on the loading thread only.
 //
-//   const VpSts::COutput* output = gStatus.outputList[0u];
+// Example:
+//   #include <VpSts/CStatus.h>
+//   VpSts::CStatus status;                  // the process uses gStatus
+//   const VpSts::COutput* output = status.outputList[0u];
 //   if (output != nullptr && output->outputKind == 0)
-//       publish(output->outputNumber, output->translationRows, output->translationColumns);
+//       std::printf("%u: %ux%u\n", output->outputNumber, output->translationRows, output->translationColumns);
 #ifndef KIV_CLOSED_COUTPUT_H
 #define KIV_CLOSED_COUTPUT_H
 

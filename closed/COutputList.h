@@ -6,11 +6,14 @@
 // publisher, which walks it by index until it gets a null pointer. Not
 // synchronised: read it on the thread that loads the record.
 //
+// Example:
+//   #include <VpSts/CStatus.h>
+//   VpSts::CStatus status;                  // the process uses gStatus
 //   for (unsigned int index = 0;; ++index) {
-//       const VpSts::COutput* output = gStatus.outputList[index];
+//       const VpSts::COutput* output = status.outputList[index];
 //       if (output == nullptr)
 //           break;
-//       use(output->outputNumber);
+//       std::printf("%u\n", output->outputNumber);
 //   }
 #ifndef KIV_CLOSED_COUTPUTLIST_H
 #define KIV_CLOSED_COUTPUTLIST_H

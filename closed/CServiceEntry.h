@@ -6,7 +6,11 @@
 // CServiceList; readers get them as const pointers that stay valid until the
 // next successful CConfig::LoadResources. Read from the loading thread only.
 //
-//   const VpCfg::CServiceEntry* entry = gConfig.serviceList[0u];
+// Example:
+//   #include <VpCfg/CConfig.h>
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   std::uint32_t managementPort = 0;
+//   const VpCfg::CServiceEntry* entry = config.serviceList[0u];
 //   if (entry != nullptr && entry->serviceKind == 0)
 //       managementPort = entry->servicePort;
 #ifndef KIV_CLOSED_CSERVICEENTRY_H

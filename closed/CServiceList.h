@@ -6,11 +6,14 @@
 // publisher, which walks it by index until it gets a null pointer. Not
 // synchronised: read it on the thread that loads the record.
 //
+// Example:
+//   #include <VpCfg/CConfig.h>
+//   VpCfg::CConfig config;                  // the process uses gConfig
 //   for (unsigned int index = 0;; ++index) {
-//       const VpCfg::CServiceEntry* entry = gConfig.serviceList[index];
+//       const VpCfg::CServiceEntry* entry = config.serviceList[index];
 //       if (entry == nullptr)
 //           break;
-//       use(entry->serviceKind, entry->servicePort);
+//       std::printf("%u %u\n", entry->serviceKind, entry->servicePort);
 //   }
 #ifndef KIV_CLOSED_CSERVICELIST_H
 #define KIV_CLOSED_CSERVICELIST_H

@@ -7,6 +7,7 @@
 // fields directly. A load replaces the record whole or, when the file is bad
 // in any way, not at all. Not synchronised: load and read on one thread.
 //
+// Example:
 //   VpSts::CStatus status;                         // defaults, empty lists
 //   if (!status.Load("/dev/shm/status.xml"))
 //       std::fprintf(stderr, "%s\n", status.ErrorMessage().c_str());

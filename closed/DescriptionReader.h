@@ -6,6 +6,7 @@
 // user makes its own reader; one thread at a time. A load replaces all
 // values or, when the file is bad, none.
 //
+// Example:
 //   KivDiscoveryClient::DescriptionReader reader;
 //   if (reader.Load("/var/lib/discovery/Management.xml"))
 //       std::printf("%s on port %u\n", reader.Name().c_str(), reader.Port());

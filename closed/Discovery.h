@@ -6,11 +6,12 @@
 // object owns nothing but its texts. One thread at a time; WriteToFile uses
 // the working directory, which belongs to the whole process.
 //
+// Example:
 //   KivDiscoveryClient::Discovery description("Management");
 //   description.AddType("cpp:Management");
 //   description.AddScope("http://standards.kivotrel.example/2011/videoprocessor/trx");
 //   description.SetPort(8080);
-//   description.SetMetaData(metadata);
+//   description.SetMetaData("<cpp:Config></cpp:Config>");
 //   if (!description.WriteToFile())     // ./Management.xml, replaced atomically
 //       std::fprintf(stderr, "%s\n", description.ErrorMessage().c_str());
 #ifndef KIV_CLOSED_DISCOVERY_H

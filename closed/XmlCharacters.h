@@ -7,10 +7,12 @@
 // description writer (which refuses a text that no XML file can carry).
 // Stateless; any thread may use it.
 //
+// Example:
+//   std::string text = "a\x01b";
 //   std::size_t offset = 0;
 //   std::string fault;
 //   if (!XmlCharacters::Check(text.data(), text.size(), offset, fault))
-//       report(offset, fault);   // e.g. "character U+0001 is not allowed in XML"
+//       std::printf("%zu: %s\n", offset, fault.c_str());   // "character U+0001 is not allowed in XML"
 #ifndef KIV_CLOSED_XMLCHARACTERS_H
 #define KIV_CLOSED_XMLCHARACTERS_H
 

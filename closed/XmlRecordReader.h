@@ -7,11 +7,14 @@
 // element, walks the tree with the typed helpers below and, at the end, asks
 // whether anything failed. Not shared between threads.
 //
-//   XmlRecordReader reader(path, 1048576, 4096);
+// Example:
+//   XmlRecordReader reader("/etc/x/configuration.xml", 1048576, 4096);
 //   pugi::xml_node root = reader.Open("configuration");
 //   pugi::xml_node zone = reader.SingleChild(root, "timeZone");
+//   std::string timeZone;
 //   if (zone)
 //       reader.ReadText(zone, timeZone);
+//   std::vector<std::string> messages;
 //   if (!reader.Succeeded())
 //       messages = reader.Errors();   // "/etc/x/configuration.xml:4:3: ..."
 #ifndef KIV_CLOSED_XMLRECORDREADER_H

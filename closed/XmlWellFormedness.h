@@ -8,10 +8,12 @@
 // declaration. The loaders refuse all of these so that a file means the same
 // to every XML parser. Stateless; any thread may use it.
 //
+// Example:
+//   std::string text = "<a>&nbsp;</a>";
 //   std::size_t offset = 0;
 //   std::string fault;
-//   if (!XmlWellFormedness::Check(data, size, offset, fault))
-//       report(offset, fault);   // e.g. "unknown entity reference &nbsp;"
+//   if (!XmlWellFormedness::Check(text.data(), text.size(), offset, fault))
+//       std::printf("%zu: %s\n", offset, fault.c_str());   // "unknown entity reference &nbsp;"
 #ifndef KIV_CLOSED_XMLWELLFORMEDNESS_H
 #define KIV_CLOSED_XMLWELLFORMEDNESS_H
 

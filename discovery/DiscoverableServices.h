@@ -8,8 +8,10 @@
 // calls Update once per refresh cycle from its only thread. Update holds the
 // object's lock throughout, so a second caller would wait.
 //
+// Example:
+//   #include <Discoveryd/Globals.h>
 //   SmartPtr<DiscoverableServices> services(new DiscoverableServices(gConfig, gStatus));
-//   gConfig.LoadResources(configurationPath);
+//   gConfig.LoadResources("/home/Kiv/settings/syscontrol/1.0/configuration");
 //   gStatus.Load("/dev/shm/status.xml");
 //   services->Update();   // Management.xml in /var/lib/discovery if anything changed
 #ifndef KIVCONFIG_DISCOVERABLESERVICES_H

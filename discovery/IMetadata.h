@@ -8,9 +8,16 @@
 // SmartPtr by the MetadataGroup they belong to, and used only by the thread
 // that runs DiscoverableServices::Update.
 //
-//   SmartPtr<IMetadata> name(new MetadataComputerName);
+// Example:
+//   #include <KivConfig/MetadataComputerName.h>
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   SmartPtr<IMetadata> name(new MetadataComputerName(config));
 //   name->Refresh();
-//   if (name->IsChanged()) { name->GetXml(text); name->ClearChanged(); }
+//   std::string text;
+//   if (name->IsChanged()) {
+//       name->GetXml(text);                 // "<ComputerName>trxDefault</ComputerName>"
+//       name->ClearChanged();
+//   }
 #ifndef KIVCONFIG_IMETADATA_H
 #define KIVCONFIG_IMETADATA_H
 

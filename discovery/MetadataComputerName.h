@@ -5,8 +5,11 @@
 // over the daemon's configuration record and owned through SmartPtr. One
 // thread at a time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataComputerName(gConfig));
+// Example:
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   SmartPtr<IMetadata> provider(new MetadataComputerName(config));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // "<ComputerName>...</ComputerName>"
 #ifndef KIVCONFIG_METADATACOMPUTERNAME_H
 #define KIVCONFIG_METADATACOMPUTERNAME_H

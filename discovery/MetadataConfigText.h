@@ -6,8 +6,11 @@
 // name); each names its element and its field. The record is the daemon's
 // gConfig, which must outlive the provider. One thread at a time.
 //
-//   MetadataComputerName name(gConfig);   // <ComputerName>value</ComputerName>
-//   name.Refresh();
+// Example:
+//   #include <KivConfig/MetadataComputerName.h>
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   SmartPtr<IMetadata> name(new MetadataComputerName(config));   // <ComputerName>value</ComputerName>
+//   name->Refresh();
 #ifndef KIVCONFIG_METADATACONFIGTEXT_H
 #define KIVCONFIG_METADATACONFIGTEXT_H
 

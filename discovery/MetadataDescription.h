@@ -5,8 +5,11 @@
 // over the daemon's configuration record and owned through SmartPtr. One
 // thread at a time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataDescription(gConfig));
+// Example:
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   SmartPtr<IMetadata> provider(new MetadataDescription(config));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // "<Description>...</Description>"
 #ifndef KIVCONFIG_METADATADESCRIPTION_H
 #define KIVCONFIG_METADATADESCRIPTION_H

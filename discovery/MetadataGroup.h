@@ -6,9 +6,13 @@
 // fills them once and owns them through SmartPtr for its whole life; the
 // group shares ownership of its providers. One thread at a time.
 //
+// Example:
+//   #include <KivConfig/MetadataComputerName.h>
+//   VpCfg::CConfig config;                  // the process uses gConfig
 //   SmartPtr<MetadataGroup> group(new MetadataGroup("cpp:Config"));
-//   group->Add(new MetadataComputerName);
+//   group->Add(new MetadataComputerName(config));
 //   group->Refresh();
+//   std::string text;
 //   group->GetXml(text);   // "<cpp:Config><ComputerName>...</ComputerName></cpp:Config>"
 #ifndef KIVCONFIG_METADATAGROUP_H
 #define KIVCONFIG_METADATAGROUP_H

@@ -6,8 +6,11 @@
 // over the daemon's status record and owned through SmartPtr. One thread at a
 // time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataProductFamily(gStatus));
+// Example:
+//   VpSts::CStatus status;                  // the process uses gStatus
+//   SmartPtr<IMetadata> provider(new MetadataProductFamily(status));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // "<ProductFamily>TRX-7250</ProductFamily>" for code 3
 #ifndef KIVCONFIG_METADATAPRODUCTFAMILY_H
 #define KIVCONFIG_METADATAPRODUCTFAMILY_H

@@ -6,8 +6,11 @@
 // DiscoverableServices over the daemon's status record and owned through
 // SmartPtr. One thread at a time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataStatusNetwork(gStatus));
+// Example:
+//   VpSts::CStatus status;                  // the process uses gStatus
+//   SmartPtr<IMetadata> provider(new MetadataStatusNetwork(status));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // <Network><NetworkDevice number=\"1\"><Name>eth0</Name>...
 #ifndef KIVCONFIG_METADATASTATUSNETWORK_H
 #define KIVCONFIG_METADATASTATUSNETWORK_H

@@ -6,8 +6,11 @@
 // DiscoverableServices over the daemon's status record and owned through
 // SmartPtr. One thread at a time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataStatusOutput(gStatus));
+// Example:
+//   VpSts::CStatus status;                  // the process uses gStatus
+//   SmartPtr<IMetadata> provider(new MetadataStatusOutput(status));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // <Outputs><Output number=\"1\" i:type=\"Cablor6Type\">...
 #ifndef KIVCONFIG_METADATASTATUSOUTPUT_H
 #define KIVCONFIG_METADATASTATUSOUTPUT_H

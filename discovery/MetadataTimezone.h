@@ -5,8 +5,11 @@
 // over the daemon's configuration record and owned through SmartPtr. One
 // thread at a time.
 //
-//   SmartPtr<IMetadata> provider(new MetadataTimezone(gConfig));
+// Example:
+//   VpCfg::CConfig config;                  // the process uses gConfig
+//   SmartPtr<IMetadata> provider(new MetadataTimezone(config));
 //   provider->Refresh();
+//   std::string text;
 //   provider->GetXml(text);   // "<TimeZone>...</TimeZone>"
 #ifndef KIVCONFIG_METADATATIMEZONE_H
 #define KIVCONFIG_METADATATIMEZONE_H

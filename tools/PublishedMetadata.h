@@ -9,10 +9,14 @@
 // without closing tags), so it is read piece by piece in the order the
 // publisher writes it. A plain value made by Decode; used by one thread.
 //
+// Example:
+//   #include <KivDiscoveryClient/DescriptionReader.h>
+//   KivDiscoveryClient::DescriptionReader reader;
 //   PublishedMetadata metadata = PublishedMetadata::Decode(reader.MetaData());
 //   for (const PublishedMetadata::Interface& interface : metadata.interfaces)
 //       std::printf("%s %s\n", interface.name.c_str(), interface.ipv4.c_str());
-//   if (metadata.networkCut) ...metadata.cutItem...
+//   if (metadata.networkCut)
+//       std::printf("cut before %s\n", metadata.cutItem.c_str());
 #ifndef KIV_TOOLS_PUBLISHEDMETADATA_H
 #define KIV_TOOLS_PUBLISHEDMETADATA_H
 

@@ -6,8 +6,10 @@
 // threads through it, handing in the helpers each object keeps. The create
 // operations may be called from any thread; the counters are not atomic.
 //
+// Example:
 //   SmartPtr<IPosix> posix(new Posix);
-//   SmartPtr<ILock> lock(posix->CreateLock(calculator, converter));
+//   SmartPtr<ILock> lock(posix->CreateLock(
+//       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)), new PosixResultPassFail));
 #ifndef KIVPLR_IPOSIX_H
 #define KIVPLR_IPOSIX_H
 

@@ -6,9 +6,10 @@
 // groups a user belongs to. Made by the platform factory and owned through
 // SmartPtr; an implementation holds no state, so any thread may use it.
 //
+// Example:
 //   SmartPtr<IUser> users(Platform::GetInstance()->CreateUser());
 //   _Result result = ResultFail;
-//   users->Authenticate("operator", password, result);
+//   users->Authenticate("operator", "Secret12", result);
 //   std::vector<std::string> groups;
 //   users->GetGroups("operator", groups, result);
 #ifndef KIVPLR_IUSER_H

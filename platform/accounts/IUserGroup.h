@@ -6,6 +6,7 @@
 // Made by the platform factory and owned through SmartPtr; an
 // implementation holds no state, so any thread may use it.
 //
+// Example:
 //   SmartPtr<IUserGroup> groups(Platform::GetInstance()->CreateUserGroup());
 //   _Result result = ResultFail;
 //   groups->Add("video", result);

@@ -6,8 +6,10 @@
 // deliberately plain read-modify-write steps; atomic counting is the
 // platform's (IPlatform::AtomicIncrement).
 //
+// Example:
 //   SmartPtr<IPosix> posix(new Posix);
-//   SmartPtr<ISemaphore> semaphore(posix->CreateSemaphore(calculator, converter));
+//   SmartPtr<ISemaphore> semaphore(posix->CreateSemaphore(
+//       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)), new PosixResultPassFail));
 #ifndef KIVPLR_POSIX_H
 #define KIVPLR_POSIX_H
 

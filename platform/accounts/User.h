@@ -6,6 +6,7 @@
 // while the shell or PAM transaction it starts runs. Names and passwords go
 // to the shell unquoted: pass plain account names only.
 //
+// Example:
 //   SmartPtr<IUser> users(new User);
 //   _Result result = ResultFail;
 //   users->Add("operator", "s3cret", result);        // useradd operator -p <hash>

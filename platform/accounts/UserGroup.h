@@ -7,6 +7,7 @@
 // blocks while the shell it starts runs. Names go to the shell unquoted:
 // pass plain account names only.
 //
+// Example:
 //   SmartPtr<IUserGroup> groups(new UserGroup);
 //   _Result result = ResultFail;
 //   groups->AddUser("operator", "video", result);    // usermod -aG video operator

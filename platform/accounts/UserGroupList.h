@@ -6,6 +6,7 @@
 // thread may call it (each call blocks while its shell runs). A null
 // \p groups reference ends the process (FatalError).
 //
+// Example:
 //   std::vector<std::string> groups;
 //   UserGroupList::Read("operator", UserGroupList::KeepOwnGroup, groups);
 //   // "operator video audio\n" -> operator, video, audio

@@ -7,8 +7,12 @@
 // process with exit status 1. It prints nothing, deliberately: the message is
 // for the developer at the debugger, not for a log.
 //
-//   if (IsNullReference(&result))
-//       FatalError(L"PosixResultPasFail: result NULL reference.");
+// Example:
+//   auto convert = [](int value, _Result& result) {
+//       if (IsNullReference(&result))
+//           FatalError(L"PosixResultPasFail: result NULL reference.");
+//       result = value == 0 ? ResultPass : ResultFail;
+//   };
 #ifndef KIVPLR_FATALERROR_H
 #define KIVPLR_FATALERROR_H
 

@@ -5,6 +5,7 @@
 // process-wide platform instance. Every factory operation returns a new
 // object whose count is still 0; wrap it in a SmartPtr at once.
 //
+// Example:
 //   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ILock> lock(platform->CreateLock());
 //   SmartPtr<IFileManager> files(platform->CreateFileManager());

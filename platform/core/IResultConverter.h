@@ -5,7 +5,11 @@
 // number as the pthread functions return it, or -1 as most system calls do.
 // The native error number is not kept; read errno before the next call.
 //
+// Example:
+//   #include <pthread.h>
+//   pthread_cond_t condition = PTHREAD_COND_INITIALIZER;
 //   SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+//   _Result result = ResultFail;
 //   converter->Convert(pthread_cond_signal(&condition), result);
 //
 // Converters are stateless and may be shared between threads.

@@ -5,6 +5,7 @@
 // does not make them) and owned through SmartPtr. Generate keeps no state
 // between calls, so one generator may serve several threads at once.
 //
+// Example:
 //   SmartPtr<IUuidGenerator> generator(new UuidGenerator);
 //   Uuid identifier;
 //   _Result result = ResultFail;

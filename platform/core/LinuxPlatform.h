@@ -8,6 +8,7 @@
 // objects share a converter, calculator or clock reader. Any thread may call
 // the factory operations.
 //
+// Example:
 //   Platform::SetInstance(new LinuxPlatform);
 //   SmartPtr<ILock> lock(Platform::GetInstance()->CreateLock());
 #ifndef KIVPLR_LINUXPLATFORM_H

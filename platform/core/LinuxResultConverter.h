@@ -4,7 +4,9 @@
 // Stateless; created with new and shared through SmartPtr by any number of
 // threads.
 //
+// Example:
 //   SmartPtr<IResultConverter> converter(new LinuxResultConverter);
+//   _Result result = ResultPass;
 //   converter->Convert(-1, result);   // result == ResultFail
 #ifndef KIVPLR_LINUXRESULTCONVERTER_H
 #define KIVPLR_LINUXRESULTCONVERTER_H

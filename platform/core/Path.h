@@ -6,6 +6,7 @@
 // values: anyone makes them on the stack and copies them freely; one Path
 // must not be changed in one thread while another reads it.
 //
+// Example:
 //   Path entry("logs\\today.txt");      // text "logs/today.txt"
 //   entry.MakeAbsolute("/var/lib");     // "/var/lib/logs/today.txt"
 //   std::string name;

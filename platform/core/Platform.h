@@ -6,6 +6,7 @@
 // the system's own class (LinuxPlatform). The entry routine installs one
 // platform at start-up; everything else finds it through GetInstance:
 //
+// Example:
 //   Platform::SetInstance(new LinuxPlatform);          // count 1 from now on
 //   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //

@@ -4,7 +4,9 @@
 // Stateless; created with new and shared through SmartPtr by any number of
 // threads.
 //
+// Example:
 //   SmartPtr<IResultConverter> converter(new PosixResultPassFail);
+//   _Result result = ResultPass;
 //   converter->Convert(-1, result);   // result == ResultFail
 #ifndef KIVPLR_POSIXRESULTPASSFAIL_H
 #define KIVPLR_POSIXRESULTPASSFAIL_H

@@ -6,9 +6,17 @@
 // everything else is a failure, though callers that must tell the end of a
 // stream from a failure compare with ResultEndOfData.
 //
+// Example:
+//   SmartPtr<IStream> stream;                // opened by IFileManager::OpenRead
+//   char buffer[512];
+//   std::uint64_t count = 0;
 //   _Result result = ResultFail;
 //   stream->Read(buffer, sizeof buffer, 0, 1, count, result);
-//   if (result == ResultEndOfData) { ... } else if (Failed(result)) { ... }
+//   if (result == ResultEndOfData) {
+//       // the whole file has been read
+//   } else if (Failed(result)) {
+//       // the read failed
+//   }
 #ifndef KIVPLR_RESULT_H
 #define KIVPLR_RESULT_H
 

@@ -7,6 +7,7 @@
 // A null reference for the string or vector they write ends the process
 // through FatalError.
 //
+// Example:
 //   std::vector<unsigned char> bytes;
 //   StringAlgorithms::ToPackedU8("DEAD", bytes);   // {0xDE, 0xAD}
 //   std::string hex;

@@ -6,9 +6,12 @@
 // virtual so that classes built on Uuid may be used through it. Fresh
 // identifiers come from an IUuidGenerator; the library has no text form.
 //
+// Example:
+//   SmartPtr<IUuidGenerator> generator(new UuidGenerator);
+//   _Result result = ResultFail;
 //   Uuid identifier;                      // no bytes yet
 //   generator->Generate(identifier, result);
-//   if (Succeeded(result)) { ... identifier.bytes.size() == Uuid::Size ... }
+//   bool complete = Succeeded(result) && identifier.bytes.size() == Uuid::Size;
 #ifndef KIVPLR_UUID_H
 #define KIVPLR_UUID_H
 

@@ -6,6 +6,7 @@
 // engine of its own and keeps nothing afterwards, so one generator may serve
 // any number of threads at once.
 //
+// Example:
 //   SmartPtr<IUuidGenerator> generator(new UuidGenerator);   // count 0 -> 1
 //   Uuid identifier;
 //   _Result result = ResultFail;

@@ -7,7 +7,9 @@
 // IDirectoryManager for what the process-wide current directory means to
 // relative paths when several threads use it.
 //
+// Example:
 //   SmartPtr<IDirectoryManager> directories(new DirectoryManager);
+//   _Result result = ResultFail;
 //   directories->Remove(Path("/tmp/unpacked"), true, result);
 #ifndef KIVPLR_DIRECTORYMANAGER_H
 #define KIVPLR_DIRECTORYMANAGER_H

@@ -4,9 +4,13 @@
 //
 // A plain record, filled by IFileManager::GetInfo and owned by its caller:
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<IFileManager> files(platform->CreateFileManager());
+//   _Result result = ResultFail;
 //   FileInfo info;
 //   files->GetInfo(Path("/etc/group"), info, result);
-//   if (Succeeded(result) && (info.attributes & FileAttributeReadOnly)) { ... }
+//   bool readOnly = Succeeded(result) && (info.attributes & FileAttributeReadOnly) != 0;
 //
 // A value type; copy it freely, share it like any plain struct.
 #ifndef KIVPLR_FILEINFO_H

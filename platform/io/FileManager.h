@@ -5,7 +5,9 @@
 // Made by LinuxPlatform::CreateFileManager (or directly with new) and owned
 // through SmartPtr. Stateless: any number of threads may share one.
 //
+// Example:
 //   SmartPtr<IFileManager> files(new FileManager);
+//   _Result result = ResultFail;
 //   SmartPtr<IStream> stream;
 //   files->OpenRead(Path("/etc/group"), stream, result);
 #ifndef KIVPLR_FILEMANAGER_H

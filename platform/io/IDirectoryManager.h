@@ -7,11 +7,13 @@
 // It has no state of its own, but relative paths are read against the
 // process-wide current directory, which SetCurrent changes for every thread:
 //
+// Example:
 //   SmartPtr<IDirectoryManager> directories(new DirectoryManager);
+//   _Result result = ResultFail;
 //   std::string saved;
 //   directories->GetCurrent(saved, result);
 //   directories->SetCurrent(Path("/var/lib/discovery"), result);
-//   ...
+//   // work in /var/lib/discovery
 //   directories->SetCurrent(Path(saved), result);
 #ifndef KIVPLR_IDIRECTORYMANAGER_H
 #define KIVPLR_IDIRECTORYMANAGER_H

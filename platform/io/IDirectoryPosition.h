@@ -5,10 +5,17 @@
 // The directory manager makes it and hands it out through SmartPtr; the
 // caller passes it back to FindNext and FindRelease:
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<IDirectoryManager> directories(platform->CreateDirectoryManager());
+//   _Result result = ResultFail;
 //   SmartPtr<IDirectoryPosition> position;
 //   std::string name;
 //   directories->FindFirst(Path("/var/lib"), position, name, result);
-//   while (Succeeded(result)) { ...; directories->FindNext(position, name, result); }
+//   while (Succeeded(result)) {
+//       // use name
+//       directories->FindNext(position, name, result);
+//   }
 //   directories->FindRelease(position, result);
 //
 // One enumeration serves one thread at a time.

@@ -5,7 +5,9 @@
 // Made by the platform factory (or with new) and owned through SmartPtr. It
 // has no state, so one manager may serve any number of threads:
 //
+// Example:
 //   SmartPtr<IFileManager> files(Platform::GetInstance()->CreateFileManager());
+//   _Result result = ResultFail;
 //   SmartPtr<IStream> stream;
 //   files->Open(Path("/tmp/data"), FileOpenAlways, FileAccessRead | FileAccessWrite, stream, result);
 //

@@ -6,6 +6,10 @@
 // The channel itself is process-wide: every log writes through the same one,
 // and destroying any log closes it.
 //
+// Example:
+//   static const std::string identity = "discoveryd";   // must outlive the channel
+//   SmartPtr<ILogManager> logs(Platform::GetInstance()->CreateLogManager());
+//   _Result result = ResultFail;
 //   SmartPtr<ILog> log;
 //   logs->Open(Path(), identity, LogFacilityDaemon, log, result);
 //   log->Write(LogLevelWarning, "fan speed low", result);

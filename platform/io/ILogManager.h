@@ -4,8 +4,10 @@
 //
 // Made by the platform factory, owned through SmartPtr:
 //
+// Example:
 //   static const std::string identity = "discoveryd";   // must outlive the channel
 //   SmartPtr<ILogManager> logs(Platform::GetInstance()->CreateLogManager());
+//   _Result result = ResultFail;
 //   SmartPtr<ILog> log;
 //   logs->Open(Path(), identity, LogFacilityDaemon, log, result);
 //

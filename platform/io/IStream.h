@@ -5,6 +5,12 @@
 // descriptor) and owned through SmartPtr; the last reference closes it if it
 // is still open. Reads, writes and seeks share one position:
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<IFileManager> files(platform->CreateFileManager());
+//   _Result result = ResultFail;
+//   SmartPtr<IStream> stream;
+//   files->OpenRead(Path("/etc/group"), stream, result);
 //   unsigned char buffer[64];
 //   std::uint64_t count = 0;
 //   stream->Read(buffer, sizeof buffer, 0, sizeof buffer, count, result);

@@ -5,9 +5,18 @@
 // The implementation (StreamReader) is made with new around a stream and owned
 // through SmartPtr:
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<IFileManager> files(platform->CreateFileManager());
+//   _Result result = ResultFail;
+//   SmartPtr<IStream> stream;
+//   files->OpenRead(Path("/etc/group"), stream, result);
 //   SmartPtr<IStreamReader> reader(new StreamReader(stream));
 //   std::string line;
-//   do { reader->ReadLine(line, result); /* use line */ } while (result == ResultPass);
+//   do {
+//       reader->ReadLine(line, result);
+//       // use line
+//   } while (result == ResultPass);
 //
 // A reader and its stream serve one thread at a time.
 #ifndef KIVPLR_ISTREAMREADER_H

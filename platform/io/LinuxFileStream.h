@@ -5,7 +5,10 @@
 // SmartPtr<IStream>; the stream owns the descriptor from then on and closes it
 // when the last reference goes, unless Close already did.
 //
-//   SmartPtr<IStream> stream(new LinuxFileStream(open(name, O_RDONLY)));
+// Example:
+//   #include <fcntl.h>
+//   SmartPtr<IStream> stream(new LinuxFileStream(open("/etc/group", O_RDONLY)));
+//   _Result result = ResultFail;
 //   stream->Seek(0, 2, result);       // to the end
 //
 // Not guarded: one user (one thread) at a time.

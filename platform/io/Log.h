@@ -5,6 +5,12 @@
 // state: identity, options and facility live in the C library's process-wide
 // logger. Destroying a Log closes that channel, whatever other logs exist.
 //
+// Example:
+//   static const std::string identity = "discoveryd";   // must outlive the channel
+//   SmartPtr<ILogManager> logs(new LogManager);
+//   _Result result = ResultFail;
+//   SmartPtr<ILog> log;
+//   logs->Open(Path(), identity, LogFacilityDaemon, log, result);
 //   log->Write(LogLevelError, "cannot read the configuration", result);
 //
 // syslog and closelog are thread-safe in the C library.

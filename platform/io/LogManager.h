@@ -5,7 +5,11 @@
 // Made by LinuxPlatform::CreateLogManager, owned through SmartPtr. No state
 // of its own; the channel it opens is the C library's process-wide one.
 //
+// Example:
+//   static const std::string identity = "discoveryd";   // must outlive the channel
 //   SmartPtr<ILogManager> logs(new LogManager);
+//   _Result result = ResultFail;
+//   SmartPtr<ILog> log;
 //   logs->Open(Path(), identity, LogFacilityUser, log, result);
 #ifndef KIVPLR_LOGMANAGER_H
 #define KIVPLR_LOGMANAGER_H

@@ -6,6 +6,10 @@
 // Made with new around a stream it keeps for its whole life, owned through
 // SmartPtr. A reader and its stream serve one thread at a time.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<IFileManager> files(platform->CreateFileManager());
+//   _Result result = ResultFail;
 //   SmartPtr<IStream> stream;
 //   files->OpenRead(Path("/etc/group"), stream, result);
 //   SmartPtr<IStreamReader> reader(new StreamReader(stream));

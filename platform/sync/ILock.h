@@ -6,7 +6,10 @@
 // change of the state the lock guards. Always loop on your own condition:
 // a wait may end without a notification.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ILock> lock(platform->CreateLock());
+//   bool ready = false;                     // set by another thread, under the lock
 //   ScopedLock hold(lock);
 //   _Result result = ResultPass;
 //   while (!ready && Succeeded(result))

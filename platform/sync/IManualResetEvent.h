@@ -5,6 +5,8 @@
 // (new ManualResetEvent(platform->CreateLock())) and owned through SmartPtr;
 // any thread may set, reset, wait or ask. While set, waits return at once.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IManualResetEvent> ready(new ManualResetEvent(platform->CreateLock()));
 //   ready->Set();                               // one thread
 //   while (!ready->IsSet()) ready->Wait(100);   // another: re-check after waking

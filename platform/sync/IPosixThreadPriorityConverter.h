@@ -6,7 +6,11 @@
 // Implementations hold no state that changes after they are filled, so any
 // thread may convert.
 //
+// Example:
+//   SmartPtr<IPosixThreadPriorityConverter> converter(new PosixThreadPriorityMap);
+//   sched_param param = {};
 //   int posixPriority = param.sched_priority;   // kept when unmapped
+//   _Result result = ResultFail;
 //   converter->Convert(10, posixPriority, result);
 #ifndef KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H
 #define KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H

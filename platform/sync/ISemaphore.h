@@ -5,10 +5,15 @@
 // at 0 and owned through SmartPtr. Any thread may post; any number of threads
 // may wait.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ISemaphore> items(platform->CreateSemaphore());
 //   items->Post();                          // producer
+//   _Result result = ResultFail;
 //   items->Wait(1000, result);              // consumer, at most 1 s
-//   if (Succeeded(result)) { ... take one item ... }
+//   if (Succeeded(result)) {
+//       // take one item
+//   }
 #ifndef KIVPLR_ISEMAPHORE_H
 #define KIVPLR_ISEMAPHORE_H
 

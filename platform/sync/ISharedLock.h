@@ -5,9 +5,11 @@
 // through SmartPtr. Any number of threads may hold it for reading at once;
 // a writer holds it alone. Unlock ends either kind of hold.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ISharedLock> lock(platform->CreateSharedLock());
 //   lock->ReadLock();
-//   ... read the shared state ...
+//   // read the shared state
 //   lock->Unlock();
 #ifndef KIVPLR_ISHAREDLOCK_H
 #define KIVPLR_ISHAREDLOCK_H

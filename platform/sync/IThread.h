@@ -6,9 +6,14 @@
 // Yield and Cancel act only on a started thread. The object is meant to be
 // driven from one controlling thread; the started flag is not synchronised.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IThread> thread(platform->CreateThread());
+//   _Result result = ResultFail;
 //   thread->SetPriority(10, result);
-//   if (thread->Start(&Work, &job, result))
+//   int job = 0;
+//   ThreadBody work = [](void* argument) { ++*static_cast<int*>(argument); };
+//   if (thread->Start(work, &job, result))
 //       thread->Join();
 #ifndef KIVPLR_ITHREAD_H
 #define KIVPLR_ITHREAD_H

@@ -6,6 +6,8 @@
 // SmartPtr; any thread may wait or signal. A plain wait event remembers
 // nothing: a signal wakes only the threads that wait at that moment.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IWaitEvent> event(new WaitEvent(platform->CreateLock()));
 //   event->Wait(200);        // consumer: true when woken, false on time-out
 //   event->Signal();         // producer

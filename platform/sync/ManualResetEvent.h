@@ -6,9 +6,11 @@
 // use it. A wait tests the flag once, then waits for at most one wake-up:
 // callers that must be sure ask IsSet after the wait.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IManualResetEvent> done(new ManualResetEvent(platform->CreateLock()));
 //   done->Wait(1000);
-//   if (done->IsSet()) { ... }
+//   bool finished = done->IsSet();
 #ifndef KIVPLR_MANUALRESETEVENT_H
 #define KIVPLR_MANUALRESETEVENT_H
 

@@ -4,6 +4,7 @@
 // The platform factory gives one, newly made, to every thread it creates.
 // Stateless: any thread may call it.
 //
+// Example:
 //   SmartPtr<IThreadObserver> observer(new PassiveThreadObserver);
 #ifndef KIVPLR_PASSIVETHREADOBSERVER_H
 #define KIVPLR_PASSIVETHREADOBSERVER_H

@@ -7,7 +7,10 @@
 // attributes, so it is not recursive, and timed waits use deadlines on the
 // calculator's clock (CLOCK_REALTIME, as pthread_cond_timedwait expects).
 //
-//   SmartPtr<ILock> lock(new PosixLock(calculator, converter));
+// Example:
+//   SmartPtr<ILock> lock(new PosixLock(
+//       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)), new PosixResultPassFail));
+//   _Result result = ResultFail;
 //   lock->Lock();
 //   lock->Wait(100, result);   // ResultFail after 100 ms without a wake-up
 //   lock->Unlock();

@@ -7,7 +7,10 @@
 // any thread may use it. Timed waits use deadlines on the calculator's clock
 // (CLOCK_REALTIME, as sem_timedwait expects).
 //
-//   SmartPtr<ISemaphore> semaphore(new PosixSemaphore(calculator, converter));
+// Example:
+//   SmartPtr<ISemaphore> semaphore(new PosixSemaphore(
+//       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)), new PosixResultPassFail));
+//   _Result result = ResultFail;
 //   semaphore->Wait(0, result);   // ResultFail at once: the count is 0
 #ifndef KIVPLR_POSIXSEMAPHORE_H
 #define KIVPLR_POSIXSEMAPHORE_H

@@ -6,8 +6,12 @@
 // SmartPtr<ISharedLock>. Any thread may use it. The read-write lock has
 // default attributes.
 //
-//   SmartPtr<ISharedLock> lock(new PosixSharedLock(converter));
-//   if (lock->TryWriteLock()) { ... lock->Unlock(); }
+// Example:
+//   SmartPtr<ISharedLock> lock(new PosixSharedLock(new PosixResultPassFail));
+//   if (lock->TryWriteLock()) {
+//       // change the shared state
+//       lock->Unlock();
+//   }
 #ifndef KIVPLR_POSIXSHAREDLOCK_H
 #define KIVPLR_POSIXSHAREDLOCK_H
 

@@ -8,8 +8,12 @@
 // finished, so dropping the last outside reference never frees it under the
 // thread's feet. Drive it from one controlling thread.
 //
-//   SmartPtr<IThread> thread(new PosixThread(observer, priorities, converter, 0));
-//   thread->Start(&Work, &job, result);
+// Example:
+//   SmartPtr<IThread> thread(
+//       new PosixThread(new PassiveThreadObserver, new PosixThreadPriorityMap, new PosixResultPassFail, 0));
+//   _Result result = ResultFail;
+//   int job = 0;
+//   thread->Start([](void* argument) { ++*static_cast<int*>(argument); }, &job, result);
 //   thread->Join();
 #ifndef KIVPLR_POSIXTHREAD_H
 #define KIVPLR_POSIXTHREAD_H

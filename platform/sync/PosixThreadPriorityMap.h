@@ -7,8 +7,11 @@
 // SmartPtr. Fill it before handing it over: Add is not synchronised, Convert
 // may be called from any thread once the table no longer changes.
 //
+// Example:
 //   SmartPtr<PosixThreadPriorityMap> map(new PosixThreadPriorityMap);
 //   map->Add(15, 0);
+//   int posixPriority = 5;
+//   _Result result = ResultFail;
 //   map->Convert(15, posixPriority, result);   // posixPriority == 0
 #ifndef KIVPLR_POSIXTHREADPRIORITYMAP_H
 #define KIVPLR_POSIXTHREADPRIORITYMAP_H

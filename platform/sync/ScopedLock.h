@@ -5,9 +5,11 @@
 // destructor unlocks, so the lock is released on every way out of the block,
 // a thrown exception included. It keeps a reference on the lock meanwhile.
 //
+// Example:
+//   SmartPtr<ILock> lock(Platform::GetInstance()->CreateLock());
 //   {
 //       ScopedLock hold(lock);     // lock->Lock()
-//       UpdateSharedState();       // may return early or throw
+//       // change the shared state; may return early or throw
 //   }                              // lock->Unlock()
 #ifndef KIVPLR_SCOPEDLOCK_H
 #define KIVPLR_SCOPEDLOCK_H

@@ -6,6 +6,8 @@
 // event needs no condition variable of its own. Owned through SmartPtr; any
 // thread may use it. ManualResetEvent builds on it.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IWaitEvent> event(new WaitEvent(platform->CreateLock()));
 //   event->Signal();
 #ifndef KIVPLR_WAITEVENT_H

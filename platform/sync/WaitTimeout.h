@@ -5,6 +5,10 @@
 // relative time-out in milliseconds as an unsigned 32-bit value; this one
 // value turns it into a wait without a time-out:
 //
+// Example:
+//   SmartPtr<ILock> lock(Platform::GetInstance()->CreateLock());
+//   ScopedLock hold(lock);
+//   _Result result = ResultFail;
 //   lock->Wait(WaitForever, result);   // the same as lock->Wait(result)
 #ifndef KIVPLR_WAITTIMEOUT_H
 #define KIVPLR_WAITTIMEOUT_H

@@ -6,6 +6,9 @@
 // CLOCK_MONOTONIC provider; it is owned through SmartPtr. The start time is
 // written once, in the constructor, so any thread may read the clock.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
+//   SmartPtr<ILock> lock(platform->CreateLock());
 //   SmartPtr<IClock> stopwatch(new ClockGetTimeClock(lock, new PosixCurrentTimespec(CLOCK_MONOTONIC)));
 //   std::int64_t ns = stopwatch->GetElapsedNanoseconds();
 #ifndef KIVPLR_CLOCKGETTIMECLOCK_H

@@ -6,6 +6,7 @@
 // object is not synchronised. The constructor from year, month and day checks
 // its arguments and ends the process on a date it cannot count:
 //
+// Example:
 //   Date leapDay(2000, 2, 29);              // day 11016
 //   Date later = leapDay + DateDuration(1); // 2000-03-01
 //   DateDuration span = later - Epoch();    // 11017 days

@@ -5,6 +5,7 @@
 // A plain value class: copy it freely; it is not a platform object and one
 // object is not synchronised.
 //
+// Example:
 //   DateDuration week(7);
 //   Date next = Date(2024, 2, 26) + week;      // 2024-03-04
 //   DateDuration gap = next - Date(2024, 1, 1); // 63 days

@@ -4,7 +4,11 @@
 // A plain value class, used where a date is counted from the start of POSIX
 // time; copy it freely.
 //
+// Example:
 //   DateDuration days = Date(2000, 1, 1) - Epoch();   // 10957
+//   #include <sys/time.h>
+//   timeval tv = {};
+//   gettimeofday(&tv, nullptr);
 //   TimePoint now = Epoch() + TimeDuration(0, 0, tv.tv_sec, tv.tv_usec * 1000);
 #ifndef KIVPLR_EPOCH_H
 #define KIVPLR_EPOCH_H

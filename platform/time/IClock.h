@@ -5,8 +5,10 @@
 // change of the system time does not move it; owned through SmartPtr. The
 // clock holds no mutable state after creation; any thread may read it.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IClock> stopwatch(platform->CreateClock());
-//   DoWork();
+//   // the work to be timed
 //   std::int64_t spent = stopwatch->GetElapsedMilliseconds();
 #ifndef KIVPLR_ICLOCK_H
 #define KIVPLR_ICLOCK_H

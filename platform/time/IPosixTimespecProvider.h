@@ -5,8 +5,12 @@
 // (CLOCK_REALTIME for the deadlines of locks and semaphores, CLOCK_MONOTONIC
 // for stopwatches):
 //
+// Example:
+//   SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
 //   struct timespec now;
-//   if (provider->GetCurrentTime(now) != 0) { /* errno tells why */ }
+//   if (provider->GetCurrentTime(now) != 0) {
+//       // errno tells why
+//   }
 //
 // Holds no mutable state; any thread may call it.
 #ifndef KIVPLR_IPOSIXTIMESPECPROVIDER_H

@@ -4,6 +4,8 @@
 // Made by the platform factory (CreateSystemClock); owned through SmartPtr.
 // It holds no state, so any thread may use it.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ISystemClock> wallClock(platform->CreateSystemClock());
 //   TimePoint now;
 //   wallClock->GetTime(now);

@@ -7,10 +7,15 @@
 // synchronised. A null result or stream reference ends the process
 // (FatalError). Components are positive or absent (0):
 //
+// Example:
+//   #include <sstream>
 //   Iso8601Duration duration;
+//   _Result result = ResultFail;
 //   duration.SetDays(1.5f, result);          // 200
 //   duration.SetSeconds(10.0f, result);      // 200
+//   std::ostringstream out;
 //   duration.Write(out, result);             // "P1DT12H10S"
+//   std::istringstream in("PT90M");
 //   duration.Read(in, result);               // 200, 250, 400 or 500
 //
 // Floats are compared with the tolerance 1.1920929e-7 (single-precision

@@ -5,10 +5,12 @@
 // through SmartPtr. It holds nothing, so any thread may use it. Setting the
 // time needs CAP_SYS_TIME.
 //
+// Example:
 //   SmartPtr<ISystemClock> wallClock(new LinuxSystemClock);
 //   TimePoint now;
 //   wallClock->GetTime(now);
-//   wallClock->SetTime(now + ..., result);   // 500 without the capability
+//   _Result result = ResultFail;
+//   wallClock->SetTime(Epoch() + TimeDuration(0, 0, 1700000000, 0), result);   // 500 without the capability
 #ifndef KIVPLR_LINUXSYSTEMCLOCK_H
 #define KIVPLR_LINUXSYSTEMCLOCK_H
 

@@ -6,6 +6,7 @@
 // and one per stopwatch (CLOCK_MONOTONIC). Owned through SmartPtr by the
 // object it serves; it holds nothing mutable, so any thread may call it.
 //
+// Example:
 //   SmartPtr<IPosixTimespecProvider> provider(new PosixCurrentTimespec(CLOCK_MONOTONIC));
 //   struct timespec now;
 //   provider->GetCurrentTime(now);

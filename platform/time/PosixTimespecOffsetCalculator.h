@@ -6,6 +6,7 @@
 // CLOCK_REALTIME provider; the primitive owns it through SmartPtr. It holds
 // no mutable state after construction, so any thread may call it.
 //
+// Example:
 //   SmartPtr<IPosixTimespecOffsetCalculator> calculator(
 //       new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)));
 //   struct timespec deadline;

@@ -5,10 +5,11 @@
 // A plain value class: copy it freely; it is not a platform object. Any
 // number of threads may use their own copies; one object is not synchronised.
 //
+// Example:
 //   TimeDuration lunch(1, 30, 0, 0);               // 1 h 30 min
 //   TimeDuration late(-2, 15, 0, 0);               // -2 h 15 min
 //   lunch.RoundToHours(TimeDuration::RoundHalfUp); // 2 h
-//   if (lunch > TimeDuration::Nanoseconds(0)) ...
+//   bool positive = lunch > TimeDuration::Nanoseconds(0);
 //
 // Arithmetic wraps around at 64 bits instead of overflowing. A default
 // TimeDuration is "not a value" (kind 3); it equals only another one and is

@@ -5,9 +5,11 @@
 // A plain value class: copy it freely; it is not a platform object and one
 // object is not synchronised. The system clock produces and consumes it.
 //
+// Example:
 //   TimePoint start(Date(2024, 3, 1), TimeDuration(13, 5, 0, 0));
 //   std::string text = start.ToText();        // "Fri Mar  1 13:05:00 2024\n"
 //   TimePoint again(text);                    // equal to start
+//   std::int32_t seconds = 1700000000;
 //   TimePoint now = Epoch() + TimeDuration(0, 0, seconds, 0);
 //
 // The text reader reads fixed offsets of asctime's layout and ends the

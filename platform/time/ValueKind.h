@@ -6,8 +6,9 @@
 // the special values +infinity, -infinity and (for TimeDuration only) "not a
 // value". Their operators compare through KindEqual and KindLess:
 //
-//   KindLess(KindNegativeInfinity, 0, KindFinite, -5)  // true
-//   KindEqual(KindPositiveInfinity, 1, KindPositiveInfinity, 2)  // true
+// Example:
+//   bool less = KindLess(KindNegativeInfinity, 0, KindFinite, -5);            // true
+//   bool equal = KindEqual(KindPositiveInfinity, 1, KindPositiveInfinity, 2);  // true
 //
 // Plain functions without state; usable from any thread.
 #ifndef KIVPLR_VALUEKIND_H

@@ -5,9 +5,12 @@
 // Tests that must see a privileged call refused (settimeofday without
 // CAP_SYS_TIME) run it in a forked child that first drops the capability:
 //
+// Example:
+//   #include <linux/capability.h>
+//   #include <unistd.h>
 //   std::string why;
 //   if (!KivTest::DropCapability(CAP_SYS_TIME, why) || KivTest::MayUseCapability(CAP_SYS_TIME, why))
-//       _exit(...);   // never make the call while the capability might remain
+//       _exit(77);   // never make the call while the capability might remain
 //
 // Affects the whole calling process; call it only in a child you forked.
 #ifndef KIV_TESTS_CAPABILITIES_H

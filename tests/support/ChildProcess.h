@@ -5,6 +5,8 @@
 // Death tests use it to check that a fatal path ends the process with exit
 // status 1 and prints nothing at all, on standard output or standard error:
 //
+// Example:
+//   #include <gtest/gtest.h>
 //   ChildOutcome outcome = RunInChild([] { SmartPtr<IObject> empty; empty->AddRef(); });
 //   EXPECT_SILENT_EXIT(outcome, 1);
 //

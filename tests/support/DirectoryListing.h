@@ -2,6 +2,10 @@
 // DirectoryListing.h - the names in one directory, for tests that check
 // what a program left behind (no temporary files, exactly one snapshot).
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <KivTest/TemporaryDirectory.h>
+//   KivTest::TemporaryDirectory directory;
 //   EXPECT_EQ(KivTest::ListDirectory(directory.Path()), std::vector<std::string>{"status.xml"});
 //
 // A free function; any thread.

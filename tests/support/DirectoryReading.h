@@ -7,6 +7,10 @@
 // directories check first and skip with the reason (the armhf lane reads
 // directories fine when TMPDIR is on a tmpfs):
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <KivTest/TemporaryDirectory.h>
+//   KivTest::TemporaryDirectory directory;
 //   std::string reason;
 //   if (!KivTest::CanReadDirectory(directory.Path(), reason)) GTEST_SKIP() << reason;
 #ifndef KIV_TESTS_DIRECTORYREADING_H

@@ -5,6 +5,9 @@
 // test starts must be run through the same emulator, and a few things
 // (namespaces, PAM preloading, ptrace) do not work there:
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   std::string discoverydPath = "/usr/sbin/discoveryd";
 //   std::string command = KivTest::EmulatorPrefix() + discoverydPath;
 //   if (KivTest::RunningUnderEmulation())
 //       GTEST_SKIP() << "mount namespaces are not available under qemu-arm";

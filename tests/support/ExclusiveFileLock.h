@@ -3,10 +3,11 @@
 // that test processes started side by side (ctest -j, two lanes at once)
 // take turns at a resource that they would otherwise race for.
 //
+// Example:
 //   {
-//       KivTest::ExclusiveFileLock turn(PamWrapperLockFile);   // waits
-//       ... // start the child that uses the shared resource
-//   }                                                          // released
+//       KivTest::ExclusiveFileLock turn("/tmp/kiv-pam_wrapper.lock");   // waits
+//       // start the child that uses the shared resource
+//   }                                                                   // released
 //
 // The lock file is created when missing and left in place: removing it
 // would let a late waiter lock a file that nobody else sees any more.

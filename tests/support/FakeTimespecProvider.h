@@ -5,8 +5,9 @@
 // time by hand; it counts the reads and can be told to fail like a
 // clock_gettime on an unknown clock:
 //
+// Example:
 //   FakeTimespecProvider* fake = new FakeTimespecProvider(10, 999000000);
-//   PosixTimespecOffsetCalculator calculator(fake);
+//   SmartPtr<IPosixTimespecOffsetCalculator> calculator(new PosixTimespecOffsetCalculator(fake));
 //   fake->Set(11, 0);
 //
 // Single-threaded use only.

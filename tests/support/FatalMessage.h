@@ -5,6 +5,8 @@
 // fatal error from another run the code in a forked child that reports the
 // message through a pipe when the process exits:
 //
+// Example:
+//   #include <gtest/gtest.h>
 //   EXPECT_FATAL_MESSAGE(Date(1969, 12, 31), L"year out of range");
 //
 // The macro also asserts the silent exit with status 1 (EXPECT_FATAL_SILENT).

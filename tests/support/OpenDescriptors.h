@@ -5,6 +5,10 @@
 // Tests of streams use it to see a stream's descriptor without asking the
 // stream, and to check that a released stream really closed it:
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <fcntl.h>
+//   std::string file = "/var/lib/discovery/Management.xml";
 //   std::vector<int> open = KivTest::DescriptorsOpenOn(file);
 //   ASSERT_EQ(open.size(), 1u);
 //   EXPECT_EQ(KivTest::DescriptorFlags(open[0]) & O_ACCMODE, O_RDWR);

@@ -7,6 +7,9 @@
 // told otherwise), like a spurious wake-up. Thread-safe, but meant for one
 // thread: nothing is excluded.
 //
+// Example:
+//   #include <KivPlr/sync/ScopedLock.h>
+//   #include <gtest/gtest.h>
 //   SmartPtr<RecordingLock> lock(new RecordingLock);
 //   { ScopedLock hold(lock.Get()); }
 //   EXPECT_EQ(lock->Calls(), (std::vector<std::string>{"Lock", "Unlock"}));

@@ -9,6 +9,10 @@
 // for the tool and exits with the chosen status. PATH is restored when the
 // object goes. One per test, in the main thread:
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   SmartPtr<IUserGroup> group(new UserGroup);
+//   _Result result = ResultFail;
 //   RecordingShellTools tools;
 //   tools.Install("groupadd", 0);
 //   tools.Install("id", 0, "alice video\n");

@@ -3,7 +3,11 @@
 // need one: one network device with every item (number 1, eth0) and one
 // published output (number 1, 2 rows, 4 columns).
 //
-//   WriteFile(statusFile, KivTest::SampleStatusXml(3, "192.0.2.20"));
+// Example:
+//   #include <KivTest/TemporaryDirectory.h>
+//   KivTest::TemporaryDirectory directory;
+//   std::string statusFile = directory.Path() + "/status.xml";
+//   KivTest::WriteFile(statusFile, KivTest::SampleStatusXml(3, "192.0.2.20"));
 //
 // A free function; any thread.
 #ifndef KIV_TESTS_SAMPLESTATUS_H

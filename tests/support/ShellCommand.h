@@ -5,6 +5,10 @@
 // For tests that start programs (ours through EmulatorPrefix(), or tools
 // such as ip and python3). Use from the test's own thread.
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <KivTest/Emulation.h>
+//   std::string program = "/usr/local/sbin/statuscollector";
 //   ChildOutcome outcome = RunShellCommand(EmulatorPrefix() + program + " -nolog");
 //   EXPECT_EQ(outcome.exitStatus, 0) << Describe(outcome);
 #ifndef KIV_TESTS_SHELLCOMMAND_H

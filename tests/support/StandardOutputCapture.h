@@ -6,8 +6,11 @@
 // unlinked temporary file, so large outputs cannot block. One at a time, on
 // the test's thread.
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <cstdio>
 //   KivTest::StandardOutputCapture capture;
-//   services->Update();
+//   std::puts("saving ...\r");               // what DiscoverableServices::Update prints
 //   EXPECT_EQ(capture.Finish(), "saving ...\r\n");
 #ifndef KIV_TESTS_STANDARDOUTPUTCAPTURE_H
 #define KIV_TESTS_STANDARDOUTPUTCAPTURE_H

@@ -2,6 +2,7 @@
 // TemporaryDirectory.h - a fresh directory under $TMPDIR (or /tmp) for one
 // test, removed with everything in it when the object goes.
 //
+// Example:
 //   TemporaryDirectory directory;
 //   std::string file = directory.Path() + "/data.txt";
 //   WriteFile(file, "hello");

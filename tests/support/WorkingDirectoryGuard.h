@@ -2,9 +2,14 @@
 // WorkingDirectoryGuard.h - puts the process's working directory back when a
 // test that changes it ends, however it ends (a failed ASSERT returns early).
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   #include <KivTest/TemporaryDirectory.h>
+//   #include <unistd.h>
+//   KivTest::TemporaryDirectory directory;
 //   KivTest::WorkingDirectoryGuard guard;      // remembers where we are
 //   ASSERT_EQ(chdir(directory.Path().c_str()), 0);
-//   ...                                        // back on scope exit
+//   // work in the directory; back on scope exit
 //
 //   KivTest::WorkingDirectoryGuard enter(directory.Path());  // remember, then enter
 //

@@ -6,6 +6,8 @@
 // Filled by the scanners in main(), then handed to StatusDocument to render;
 // a plain value owned by whoever made it, used by one thread.
 //
+// Example:
+//   #include <StatusCollector/StatusDocument.h>
 //   CollectedStatus status;
 //   status.modelCode = 3;
 //   status.outputs.push_back({1, CollectedStatus::ConnectedKind, 1, 1});

@@ -5,9 +5,11 @@
 // The collector makes one, loads it once and asks it for each interface;
 // a plain value used by one thread.
 //
+// Example:
 //   DefaultGatewayTable gateways;
 //   std::string fault;
-//   if (!gateways.Load(DefaultGatewayTable::KernelRouteFile, fault)) report(fault);
+//   if (!gateways.Load(DefaultGatewayTable::KernelRouteFile, fault))
+//       std::fprintf(stderr, "%s\n", fault.c_str());
 //   std::optional<std::string> gateway = gateways.Find("eth0");   // "192.0.2.1"
 #ifndef KIV_TOOLS_DEFAULTGATEWAYTABLE_H
 #define KIV_TOOLS_DEFAULTGATEWAYTABLE_H

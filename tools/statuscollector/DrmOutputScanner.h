@@ -6,9 +6,11 @@
 // The collector makes one on the stack; tests point it at a directory of
 // their own. Any thread may use it.
 //
+// Example:
 //   std::vector<CollectedStatus::Output> outputs;
 //   std::string fault;
-//   if (!DrmOutputScanner().Scan(outputs, fault)) report(fault);
+//   if (!DrmOutputScanner().Scan(outputs, fault))
+//       std::fprintf(stderr, "%s\n", fault.c_str());
 //   // card0-DP-1 (disconnected), card0-HDMI-A-1 (connected): {1, kind 1}, {2, kind 0}
 #ifndef KIV_TOOLS_DRMOUTPUTSCANNER_H
 #define KIV_TOOLS_DRMOUTPUTSCANNER_H

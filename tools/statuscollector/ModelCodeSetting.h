@@ -6,6 +6,7 @@
 // collector (or the daemon that runs it, or its service unit) sets one.
 // Stateless; any thread may use it.
 //
+// Example:
 //   std::string warning;
 //   std::uint32_t code = ModelCodeSetting::Read(warning);   // 4294967295 when unset
 #ifndef KIV_TOOLS_MODELCODESETTING_H

@@ -5,10 +5,12 @@
 //
 // Stateless; the collector makes one on the stack. Any thread may use it.
 //
+// Example:
 //   DefaultGatewayTable gateways;   // loaded from /proc/net/route
 //   std::vector<CollectedStatus::NetworkDevice> devices;
 //   std::string fault;
-//   if (!NetworkDeviceScanner().Scan(gateways, devices, fault)) report(fault);
+//   if (!NetworkDeviceScanner().Scan(gateways, devices, fault))
+//       std::fprintf(stderr, "%s\n", fault.c_str());
 #ifndef KIV_TOOLS_NETWORKDEVICESCANNER_H
 #define KIV_TOOLS_NETWORKDEVICESCANNER_H
 

@@ -7,6 +7,8 @@
 // graphics directory. Used by one thread (Publish changes the working
 // directory for the time of the write).
 //
+// Example:
+//   #include <StatusCollector/StatusDocument.h>
 //   StatusCollector collector;
 //   CollectedStatus status;
 //   std::vector<std::string> warnings;

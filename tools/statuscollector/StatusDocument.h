@@ -4,7 +4,11 @@
 //
 // Stateless; any thread may use it.
 //
+// Example:
 //   CollectedStatus status;
+//   CollectedStatus::NetworkDevice device;
+//   device.number = 2;
+//   device.name = "eth0";
 //   status.networkDevices.push_back(device);
 //   std::string text = StatusDocument::Render(status);
 //   // <?xml ...?><status><modelCode>4294967295</modelCode><networkDevices>...
