@@ -13,6 +13,7 @@
 #ifndef KIVPLR_IPOSIX_H
 #define KIVPLR_IPOSIX_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -28,7 +29,7 @@ class ISharedLock;
 class ISemaphore;
 class IPosixTimespecOffsetCalculator;
 
-class IPosix : public virtual IObject
+class KIVPLR_API IPosix : public virtual IObject
 {
 public:
     /// A new PosixThread (count 0) over the given helpers and stack size

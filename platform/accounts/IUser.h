@@ -15,6 +15,7 @@
 #ifndef KIVPLR_IUSER_H
 #define KIVPLR_IUSER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <string>
@@ -22,7 +23,7 @@
 
 namespace KivPlr {
 
-class IUser : public virtual IObject
+class KIVPLR_API IUser : public virtual IObject
 {
 public:
     /// 200 if PAM authenticates \p userName with \p password and its account

@@ -14,6 +14,7 @@
 #ifndef KIVPLR_IUSERGROUP_H
 #define KIVPLR_IUSERGROUP_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <string>
@@ -21,7 +22,7 @@
 
 namespace KivPlr {
 
-class IUserGroup : public virtual IObject
+class KIVPLR_API IUserGroup : public virtual IObject
 {
 public:
     /// Adds \p userName to \p groupName with "usermod -aG": 200 when the tool

@@ -14,13 +14,14 @@
 #define KIVPLR_POSIX_H
 
 #include <KivPlr/accounts/IPosix.h>
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class Posix : private Object, public IPosix
+class KIVPLR_API Posix : private Object, public IPosix
 {
 public:
     IThread* CreateThread(IThreadObserver* observer,

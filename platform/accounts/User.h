@@ -15,6 +15,7 @@
 #define KIVPLR_USER_H
 
 #include <KivPlr/accounts/IUser.h>
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 
 #include <cstddef>
@@ -25,7 +26,7 @@ struct crypt_data;
 
 namespace KivPlr {
 
-class User : private Object, public IUser
+class KIVPLR_API User : private Object, public IUser
 {
 public:
     /// pam_authenticate (PAM_SILENT), then pam_acct_mgmt, in one "check_user"

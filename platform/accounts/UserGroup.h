@@ -16,11 +16,12 @@
 #define KIVPLR_USERGROUP_H
 
 #include <KivPlr/accounts/IUserGroup.h>
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 
-class UserGroup : private Object, public IUserGroup
+class KIVPLR_API UserGroup : private Object, public IUserGroup
 {
 public:
     /// Runs "usermod -aG <group> <user>". A null name gives 500 and runs nothing.

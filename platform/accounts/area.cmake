@@ -11,3 +11,5 @@ find_path(KIV_PAM_INCLUDE_DIR security/pam_appl.h REQUIRED)
 find_path(KIV_CRYPT_INCLUDE_DIR crypt.h REQUIRED)
 target_include_directories(kivplr SYSTEM PRIVATE ${KIV_PAM_INCLUDE_DIR} ${KIV_CRYPT_INCLUDE_DIR})
 target_link_libraries(kivplr PRIVATE ${KIV_PAM_LIBRARY} ${KIV_CRYPT_LIBRARY})
+# The PAM conversation (kivplr_internal) needs PAM's types, not the library.
+target_include_directories(kivplr_internal SYSTEM PRIVATE ${KIV_PAM_INCLUDE_DIR})

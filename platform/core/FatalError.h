@@ -16,14 +16,16 @@
 #ifndef KIVPLR_FATALERROR_H
 #define KIVPLR_FATALERROR_H
 
+#include <KivPlr/core/Export.h>
+
 namespace KivPlr {
 
 /// Ends the process with exit(1) without printing anything. \p message is
 /// stored in LastFatalErrorMessage first, for post-mortem inspection.
-[[noreturn]] void FatalError(const wchar_t* message);
+[[noreturn]] KIVPLR_API void FatalError(const wchar_t* message);
 
 /// The message of the fatal error in progress, or null. Kept for debuggers.
-extern const wchar_t* volatile LastFatalErrorMessage;
+extern KIVPLR_API const wchar_t* volatile LastFatalErrorMessage;
 
 /// True when a reference parameter was bound to a null address; call it with
 /// the reference's address: `if (IsNullReference(&result))`. Taking the

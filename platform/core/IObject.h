@@ -11,6 +11,7 @@
 #ifndef KIVPLR_IOBJECT_H
 #define KIVPLR_IOBJECT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Result.h>
 
 #include <cstdint>
@@ -19,7 +20,7 @@ namespace KivPlr {
 
 class Uuid;
 
-class IObject
+class KIVPLR_API IObject
 {
 public:
     virtual ~IObject() = default;

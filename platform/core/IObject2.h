@@ -9,13 +9,14 @@
 #ifndef KIVPLR_IOBJECT2_H
 #define KIVPLR_IOBJECT2_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 
 class ReferenceCounter;
 
-class IObject2 : public virtual IObject
+class KIVPLR_API IObject2 : public virtual IObject
 {
 public:
     /// The object's count block, unchanged; it outlives the object while held.

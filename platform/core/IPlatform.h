@@ -14,6 +14,7 @@
 #ifndef KIVPLR_IPLATFORM_H
 #define KIVPLR_IPLATFORM_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -32,7 +33,7 @@ class IUser;
 class IUserGroup;
 class ILogManager;
 
-class IPlatform : public virtual IObject
+class KIVPLR_API IPlatform : public virtual IObject
 {
 public:
     /// A monitor (mutex and condition variable) with its own helpers.

@@ -16,11 +16,12 @@
 #ifndef KIVPLR_IRESULTCONVERTER_H
 #define KIVPLR_IRESULTCONVERTER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 
-class IResultConverter : public virtual IObject
+class KIVPLR_API IResultConverter : public virtual IObject
 {
 public:
     /// \p result = 200 if \p nativeResult is 0, else 500. A null \p result

@@ -13,12 +13,13 @@
 #ifndef KIVPLR_IUUIDGENERATOR_H
 #define KIVPLR_IUUIDGENERATOR_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/core/Uuid.h>
 
 namespace KivPlr {
 
-class IUuidGenerator : public virtual IObject
+class KIVPLR_API IUuidGenerator : public virtual IObject
 {
 public:
     /// Draws one random identifier. On success \p uuid holds exactly 16

@@ -15,6 +15,7 @@
 #define KIVPLR_LINUXPLATFORM_H
 
 #include <KivPlr/accounts/IPosix.h>
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Platform.h>
 #include <KivPlr/core/SmartPtr.h>
 
@@ -22,7 +23,7 @@ namespace KivPlr {
 
 class PosixThreadPriorityMap;
 
-class LinuxPlatform : public Platform
+class KIVPLR_API LinuxPlatform : public Platform
 {
 public:
     /// Makes the Posix object that builds the POSIX primitives.

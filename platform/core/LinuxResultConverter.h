@@ -11,12 +11,13 @@
 #ifndef KIVPLR_LINUXRESULTCONVERTER_H
 #define KIVPLR_LINUXRESULTCONVERTER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 
-class LinuxResultConverter : private Object, public IResultConverter
+class KIVPLR_API LinuxResultConverter : private Object, public IResultConverter
 {
 public:
     /// 200 for 0, 500 for anything else. A null \p result reference is fatal:

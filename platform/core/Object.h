@@ -14,13 +14,14 @@
 #ifndef KIVPLR_OBJECT_H
 #define KIVPLR_OBJECT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject2.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class Object : public virtual IObject, public virtual IObject2
+class KIVPLR_API Object : public virtual IObject, public virtual IObject2
 {
 public:
     Object();

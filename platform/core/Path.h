@@ -14,13 +14,15 @@
 #ifndef KIVPLR_PATH_H
 #define KIVPLR_PATH_H
 
+#include <KivPlr/core/Export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace KivPlr {
 
-class Path
+class KIVPLR_API Path
 {
 public:
     /// Separator style "/"; the only style the public constructors set.

@@ -15,6 +15,7 @@
 #ifndef KIVPLR_PLATFORM_H
 #define KIVPLR_PLATFORM_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IPlatform.h>
 #include <KivPlr/core/Object.h>
 
@@ -22,7 +23,7 @@
 
 namespace KivPlr {
 
-class Platform : protected Object, public IPlatform
+class KIVPLR_API Platform : protected Object, public IPlatform
 {
 public:
     std::int32_t AtomicIncrement(std::int32_t& value) override;

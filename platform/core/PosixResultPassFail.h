@@ -11,12 +11,13 @@
 #ifndef KIVPLR_POSIXRESULTPASSFAIL_H
 #define KIVPLR_POSIXRESULTPASSFAIL_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 
-class PosixResultPassFail : private Object, public IResultConverter
+class KIVPLR_API PosixResultPassFail : private Object, public IResultConverter
 {
 public:
     /// 200 for 0, 500 for anything else. A null \p result reference is fatal:

@@ -17,11 +17,13 @@
 #ifndef KIVPLR_REFERENCECOUNTER_H
 #define KIVPLR_REFERENCECOUNTER_H
 
+#include <KivPlr/core/Export.h>
+
 #include <cstdint>
 
 namespace KivPlr {
 
-class ReferenceCounter
+class KIVPLR_API ReferenceCounter
 {
 public:
     ReferenceCounter();

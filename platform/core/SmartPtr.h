@@ -15,13 +15,14 @@
 #ifndef KIVPLR_SMARTPTR_H
 #define KIVPLR_SMARTPTR_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/FatalError.h>
 #include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 
 template <typename T>
-class SmartPtr
+class KIVPLR_API SmartPtr
 {
 public:
     /// An empty holder.

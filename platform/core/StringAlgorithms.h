@@ -15,6 +15,8 @@
 #ifndef KIVPLR_STRINGALGORITHMS_H
 #define KIVPLR_STRINGALGORITHMS_H
 
+#include <KivPlr/core/Export.h>
+
 #include <string>
 #include <vector>
 
@@ -28,27 +30,27 @@ namespace StringAlgorithms {
 /// digits, so they leave zero bytes at the end. An odd number of digits
 /// leaves the last digit in the low nibble of the last byte:
 ///   "0a1B" -> {0x0A, 0x1B}   "abc" -> {0xAB, 0x0C}   "a-b" -> {0xAB, 0x00}
-void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes);
+KIVPLR_API void ToPackedU8(const std::string& hex, std::vector<unsigned char>& bytes);
 
 /// Bytes to lower-case hexadecimal text, two characters per byte, high
 /// nibble first. \p hex is cleared first; no bytes give an empty text.
-void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex);
+KIVPLR_API void FromPackedU8(const std::vector<unsigned char>& bytes, std::string& hex);
 
 /// Every byte through toupper of the C library's current locale, in place.
-void ToUpper(std::string& text);
+KIVPLR_API void ToUpper(std::string& text);
 /// Every byte through tolower of the C library's current locale, in place.
-void ToLower(std::string& text);
+KIVPLR_API void ToLower(std::string& text);
 /// Every character through towupper of the C library's current locale.
-void ToUpper(std::wstring& text);
+KIVPLR_API void ToUpper(std::wstring& text);
 /// Every character through towlower of the C library's current locale.
-void ToLower(std::wstring& text);
+KIVPLR_API void ToLower(std::wstring& text);
 
 /// Removes, at both ends, the characters that the ctype facet of the default
 /// locale (std::locale(), the program's global C++ locale) classes as space;
 /// space inside the text stays. A text of nothing but space becomes empty.
-void Trim(std::string& text);
+KIVPLR_API void Trim(std::string& text);
 /// As Trim(std::string&), with the wide ctype facet of the default locale.
-void Trim(std::wstring& text);
+KIVPLR_API void Trim(std::wstring& text);
 
 } // namespace StringAlgorithms
 } // namespace KivPlr

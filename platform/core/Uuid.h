@@ -15,12 +15,14 @@
 #ifndef KIVPLR_UUID_H
 #define KIVPLR_UUID_H
 
+#include <KivPlr/core/Export.h>
+
 #include <cstddef>
 #include <vector>
 
 namespace KivPlr {
 
-class Uuid
+class KIVPLR_API Uuid
 {
 public:
     /// How many bytes a generated or constant identifier holds.

@@ -14,12 +14,13 @@
 #ifndef KIVPLR_UUIDGENERATOR_H
 #define KIVPLR_UUIDGENERATOR_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IUuidGenerator.h>
 #include <KivPlr/core/Object.h>
 
 namespace KivPlr {
 
-class UuidGenerator : private Object, public IUuidGenerator
+class KIVPLR_API UuidGenerator : private Object, public IUuidGenerator
 {
 public:
     UuidGenerator();

@@ -14,12 +14,13 @@
 #ifndef KIVPLR_DIRECTORYMANAGER_H
 #define KIVPLR_DIRECTORYMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/IDirectoryManager.h>
 
 namespace KivPlr {
 
-class DirectoryManager : private Object, public IDirectoryManager
+class KIVPLR_API DirectoryManager : private Object, public IDirectoryManager
 {
 public:
     void Create(const Path& path, _Result& result) override;

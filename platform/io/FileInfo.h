@@ -16,6 +16,8 @@
 #ifndef KIVPLR_FILEINFO_H
 #define KIVPLR_FILEINFO_H
 
+#include <KivPlr/core/Export.h>
+
 #include <cstdint>
 
 namespace KivPlr {
@@ -31,7 +33,7 @@ constexpr std::uint32_t FileAttributeDirectory = 16;
 /// A regular file.
 constexpr std::uint32_t FileAttributeRegular = 128;
 
-struct FileInfo
+struct KIVPLR_API FileInfo
 {
     std::uint32_t attributes = 0; ///< FileAttribute... bits
     std::uint32_t changeTime = 0; ///< inode change time, seconds since 1970

@@ -13,6 +13,7 @@
 #ifndef KIVPLR_FILEMANAGER_H
 #define KIVPLR_FILEMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/IFileManager.h>
 
@@ -20,7 +21,7 @@
 
 namespace KivPlr {
 
-class FileManager : private Object, public IFileManager
+class KIVPLR_API FileManager : private Object, public IFileManager
 {
 public:
     void CreateFile(const Path& path, _Result& result) override;

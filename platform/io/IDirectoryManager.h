@@ -18,6 +18,7 @@
 #ifndef KIVPLR_IDIRECTORYMANAGER_H
 #define KIVPLR_IDIRECTORYMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/core/Path.h>
 #include <KivPlr/core/SmartPtr.h>
@@ -28,7 +29,7 @@
 
 namespace KivPlr {
 
-class IDirectoryManager : public virtual IObject
+class KIVPLR_API IDirectoryManager : public virtual IObject
 {
 public:
     /// Makes the directory with mode 0774 (before the umask); parents are not

@@ -22,12 +22,13 @@
 #ifndef KIVPLR_IDIRECTORYPOSITION_H
 #define KIVPLR_IDIRECTORYPOSITION_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/core/Path.h>
 
 namespace KivPlr {
 
-class IDirectoryPosition : public virtual IObject
+class KIVPLR_API IDirectoryPosition : public virtual IObject
 {
 public:
     /// Copies the path of the enumerated directory (absolute, as it was

@@ -16,6 +16,7 @@
 #ifndef KIVPLR_IFILEMANAGER_H
 #define KIVPLR_IFILEMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/core/Path.h>
 #include <KivPlr/core/SmartPtr.h>
@@ -37,7 +38,7 @@ constexpr std::uint32_t FileOpenAlways = 2;   ///< opened, made when missing
 constexpr std::uint32_t FileCreateAlways = 3; ///< deleted first, then made afresh
 constexpr std::uint32_t FileTruncate = 4;     ///< emptied on opening, with any of the above
 
-class IFileManager : public virtual IObject
+class KIVPLR_API IFileManager : public virtual IObject
 {
 public:
     /// 200 when a new, empty file was made (it is closed at once); 500

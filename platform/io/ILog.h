@@ -19,6 +19,7 @@
 #ifndef KIVPLR_ILOG_H
 #define KIVPLR_ILOG_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -32,7 +33,7 @@ constexpr std::uint32_t LogLevelInformation = 0;
 constexpr std::uint32_t LogLevelWarning = 1;
 constexpr std::uint32_t LogLevelError = 2;
 
-class ILog : public virtual IObject
+class KIVPLR_API ILog : public virtual IObject
 {
 public:
     /// Writes \p message at \p level; 200. The message is the logger's format

@@ -16,6 +16,7 @@
 #ifndef KIVPLR_ILOGMANAGER_H
 #define KIVPLR_ILOGMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/core/Path.h>
 #include <KivPlr/core/SmartPtr.h>
@@ -32,7 +33,7 @@ constexpr std::uint32_t LogFacilityUser = 0;
 constexpr std::uint32_t LogFacilityDaemon = 1;
 constexpr std::uint32_t LogFacilityKernel = 2;
 
-class ILogManager : public virtual IObject
+class KIVPLR_API ILogManager : public virtual IObject
 {
 public:
     /// Opens (or re-opens) the channel with \p identity and \p facility and

@@ -20,13 +20,14 @@
 #ifndef KIVPLR_ISTREAM_H
 #define KIVPLR_ISTREAM_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class IStream : public virtual IObject
+class KIVPLR_API IStream : public virtual IObject
 {
 public:
     /// Reserved slot; the file stream answers 500.

@@ -22,6 +22,7 @@
 #ifndef KIVPLR_ISTREAMREADER_H
 #define KIVPLR_ISTREAMREADER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -29,7 +30,7 @@
 
 namespace KivPlr {
 
-class IStreamReader : public virtual IObject
+class KIVPLR_API IStreamReader : public virtual IObject
 {
 public:
     /// Clears \p line and reads up to the next line feed, which is not

@@ -15,6 +15,7 @@
 #ifndef KIVPLR_LINUXDIRECTORYPOSITION_H
 #define KIVPLR_LINUXDIRECTORYPOSITION_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/Uuid.h>
 #include <KivPlr/io/IDirectoryPosition.h>
@@ -23,7 +24,7 @@
 
 namespace KivPlr {
 
-class LinuxDirectoryPosition : private Object, public IDirectoryPosition
+class KIVPLR_API LinuxDirectoryPosition : private Object, public IDirectoryPosition
 {
 public:
     /// Takes \p handle (an open directory stream) and a copy of \p path.

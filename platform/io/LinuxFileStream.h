@@ -15,6 +15,7 @@
 #ifndef KIVPLR_LINUXFILESTREAM_H
 #define KIVPLR_LINUXFILESTREAM_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/IStream.h>
 
@@ -22,7 +23,7 @@
 
 namespace KivPlr {
 
-class LinuxFileStream : private Object, public IStream
+class KIVPLR_API LinuxFileStream : private Object, public IStream
 {
 public:
     /// Takes over \p descriptor, which the caller has opened; the stream

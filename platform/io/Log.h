@@ -17,6 +17,7 @@
 #ifndef KIVPLR_LOG_H
 #define KIVPLR_LOG_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/ILog.h>
 
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class Log : private Object, public ILog
+class KIVPLR_API Log : private Object, public ILog
 {
 public:
     /// Closes the process-wide channel.

@@ -14,6 +14,7 @@
 #ifndef KIVPLR_LOGMANAGER_H
 #define KIVPLR_LOGMANAGER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/io/ILogManager.h>
 
@@ -21,7 +22,7 @@
 
 namespace KivPlr {
 
-class LogManager : private Object, public ILogManager
+class KIVPLR_API LogManager : private Object, public ILogManager
 {
 public:
     /// openlog(identity, LOG_CONS, facility): LOG_USER for 0 and unknown

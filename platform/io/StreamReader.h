@@ -23,6 +23,7 @@
 #ifndef KIVPLR_STREAMREADER_H
 #define KIVPLR_STREAMREADER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/io/IStream.h>
@@ -32,7 +33,7 @@
 
 namespace KivPlr {
 
-class StreamReader : private Object, public IStreamReader
+class KIVPLR_API StreamReader : private Object, public IStreamReader
 {
 public:
     /// Keeps \p stream until the reader goes. Reading through a reader made

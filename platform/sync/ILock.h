@@ -17,6 +17,7 @@
 #ifndef KIVPLR_ILOCK_H
 #define KIVPLR_ILOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/sync/WaitTimeout.h>
 
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class ILock : public virtual IObject
+class KIVPLR_API ILock : public virtual IObject
 {
 public:
     /// Acquires the lock, blocking until it is free. Locking it again from

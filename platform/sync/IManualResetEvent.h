@@ -13,11 +13,12 @@
 #ifndef KIVPLR_IMANUALRESETEVENT_H
 #define KIVPLR_IMANUALRESETEVENT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/sync/IWaitEvent.h>
 
 namespace KivPlr {
 
-class IManualResetEvent : public virtual IWaitEvent
+class KIVPLR_API IManualResetEvent : public virtual IWaitEvent
 {
 public:
     /// The flag, read without the lock; only a snapshot.

@@ -15,13 +15,14 @@
 #ifndef KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H
 #define KIVPLR_IPOSIXTHREADPRIORITYCONVERTER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class IPosixThreadPriorityConverter : public virtual IObject
+class KIVPLR_API IPosixThreadPriorityConverter : public virtual IObject
 {
 public:
     /// Sets \p nPosixPriority to the POSIX priority of \p platformPriority and

@@ -17,6 +17,7 @@
 #ifndef KIVPLR_ISEMAPHORE_H
 #define KIVPLR_ISEMAPHORE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/sync/WaitTimeout.h>
 
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class ISemaphore : public virtual IObject
+class KIVPLR_API ISemaphore : public virtual IObject
 {
 public:
     /// Adds one to the count, waking one waiter; 0 on success, -1 on failure

@@ -14,11 +14,12 @@
 #ifndef KIVPLR_ISHAREDLOCK_H
 #define KIVPLR_ISHAREDLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 
-class ISharedLock : public virtual IObject
+class KIVPLR_API ISharedLock : public virtual IObject
 {
 public:
     /// Acquires the lock for reading, blocking while a writer holds it.

@@ -18,6 +18,7 @@
 #ifndef KIVPLR_ITHREAD_H
 #define KIVPLR_ITHREAD_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -28,7 +29,7 @@ namespace KivPlr {
 /// The body that a thread runs, once, with the argument given to Start.
 typedef void (*ThreadBody)(void* argument);
 
-class IThread : public virtual IObject
+class KIVPLR_API IThread : public virtual IObject
 {
 public:
     /// Starts a thread that runs \p body(\p argument). Returns true, and

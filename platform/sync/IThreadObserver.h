@@ -13,13 +13,14 @@
 #ifndef KIVPLR_ITHREADOBSERVER_H
 #define KIVPLR_ITHREADOBSERVER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 namespace KivPlr {
 
 class IThread;
 
-class IThreadObserver : public virtual IObject
+class KIVPLR_API IThreadObserver : public virtual IObject
 {
 public:
     /// Called once on the new thread, right before its body runs.

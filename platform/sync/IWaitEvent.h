@@ -14,6 +14,7 @@
 #ifndef KIVPLR_IWAITEVENT_H
 #define KIVPLR_IWAITEVENT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/sync/WaitTimeout.h>
 
@@ -21,7 +22,7 @@
 
 namespace KivPlr {
 
-class IWaitEvent : public virtual IObject
+class KIVPLR_API IWaitEvent : public virtual IObject
 {
 public:
     /// Waits for one wake-up of the event's monitor; true when the monitor's

@@ -10,6 +10,7 @@
 #ifndef KIVPLR_LOCKBASE_H
 #define KIVPLR_LOCKBASE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ILock.h>
 
@@ -17,7 +18,7 @@
 
 namespace KivPlr {
 
-class LockBase : protected Object, public ILock
+class KIVPLR_API LockBase : protected Object, public ILock
 {
 public:
     void Lock() override;

@@ -14,6 +14,7 @@
 #ifndef KIVPLR_MANUALRESETEVENT_H
 #define KIVPLR_MANUALRESETEVENT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/sync/IManualResetEvent.h>
 #include <KivPlr/sync/WaitEvent.h>
 
@@ -22,7 +23,7 @@
 
 namespace KivPlr {
 
-class ManualResetEvent : public WaitEvent, public IManualResetEvent
+class KIVPLR_API ManualResetEvent : public WaitEvent, public IManualResetEvent
 {
 public:
     /// Not set at creation. Keeps a reference on \p monitor.

@@ -9,12 +9,13 @@
 #ifndef KIVPLR_PASSIVETHREADOBSERVER_H
 #define KIVPLR_PASSIVETHREADOBSERVER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/IThreadObserver.h>
 
 namespace KivPlr {
 
-class PassiveThreadObserver : private Object, public IThreadObserver
+class KIVPLR_API PassiveThreadObserver : private Object, public IThreadObserver
 {
 public:
     /// Does nothing.

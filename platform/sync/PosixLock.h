@@ -17,6 +17,7 @@
 #ifndef KIVPLR_POSIXLOCK_H
 #define KIVPLR_POSIXLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/LockBase.h>
@@ -27,7 +28,7 @@
 
 namespace KivPlr {
 
-class PosixLock : public LockBase
+class KIVPLR_API PosixLock : public LockBase
 {
 public:
     /// Keeps a reference on both helpers. A missing helper is fatal only when

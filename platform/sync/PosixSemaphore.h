@@ -15,6 +15,7 @@
 #ifndef KIVPLR_POSIXSEMAPHORE_H
 #define KIVPLR_POSIXSEMAPHORE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/SemaphoreBase.h>
@@ -25,7 +26,7 @@
 
 namespace KivPlr {
 
-class PosixSemaphore : public SemaphoreBase
+class KIVPLR_API PosixSemaphore : public SemaphoreBase
 {
 public:
     /// Keeps a reference on both helpers. A missing helper is fatal only when

@@ -15,6 +15,7 @@
 #ifndef KIVPLR_POSIXSHAREDLOCK_H
 #define KIVPLR_POSIXSHAREDLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/SharedLockBase.h>
@@ -23,7 +24,7 @@
 
 namespace KivPlr {
 
-class PosixSharedLock : public SharedLockBase
+class KIVPLR_API PosixSharedLock : public SharedLockBase
 {
 public:
     /// Keeps a reference on the converter. A missing converter is fatal only

@@ -18,6 +18,7 @@
 #ifndef KIVPLR_POSIXTHREAD_H
 #define KIVPLR_POSIXTHREAD_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IResultConverter.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/IPosixThreadPriorityConverter.h>
@@ -28,7 +29,7 @@
 
 namespace KivPlr {
 
-class PosixThread : public ThreadBase
+class KIVPLR_API PosixThread : public ThreadBase
 {
 public:
     /// \p stackSize in bytes; 0 keeps the system's default stack size, and a

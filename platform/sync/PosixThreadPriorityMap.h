@@ -16,6 +16,7 @@
 #ifndef KIVPLR_POSIXTHREADPRIORITYMAP_H
 #define KIVPLR_POSIXTHREADPRIORITYMAP_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/IPosixThreadPriorityConverter.h>
 
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class PosixThreadPriorityMap : protected Object, public IPosixThreadPriorityConverter
+class KIVPLR_API PosixThreadPriorityMap : protected Object, public IPosixThreadPriorityConverter
 {
 public:
     /// Maps \p platformPriority to \p posixPriority; adding a platform

@@ -11,6 +11,7 @@
 #ifndef KIVPLR_SEMAPHOREBASE_H
 #define KIVPLR_SEMAPHOREBASE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ISemaphore.h>
 
@@ -18,7 +19,7 @@
 
 namespace KivPlr {
 
-class SemaphoreBase : protected Object, public ISemaphore
+class KIVPLR_API SemaphoreBase : protected Object, public ISemaphore
 {
 public:
     int Post() override;

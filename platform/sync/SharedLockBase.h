@@ -10,12 +10,13 @@
 #ifndef KIVPLR_SHAREDLOCKBASE_H
 #define KIVPLR_SHAREDLOCKBASE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/sync/ISharedLock.h>
 
 namespace KivPlr {
 
-class SharedLockBase : protected Object, public ISharedLock
+class KIVPLR_API SharedLockBase : protected Object, public ISharedLock
 {
 public:
     void ReadLock() override;

@@ -11,6 +11,7 @@
 #ifndef KIVPLR_THREADBASE_H
 #define KIVPLR_THREADBASE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/IThread.h>
@@ -20,7 +21,7 @@
 
 namespace KivPlr {
 
-class ThreadBase : protected Object, public IThread
+class KIVPLR_API ThreadBase : protected Object, public IThread
 {
 public:
     /// Keeps a reference on \p observer. A null observer is fatal:

@@ -13,6 +13,7 @@
 #ifndef KIVPLR_WAITEVENT_H
 #define KIVPLR_WAITEVENT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/ILock.h>
@@ -22,7 +23,7 @@
 
 namespace KivPlr {
 
-class WaitEvent : protected Object, public virtual IWaitEvent
+class KIVPLR_API WaitEvent : protected Object, public virtual IWaitEvent
 {
 public:
     /// Keeps a reference on \p monitor. A missing monitor is fatal when the

@@ -11,6 +11,7 @@
 #ifndef KIVPLR_CLOCKBASE_H
 #define KIVPLR_CLOCKBASE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/time/IClock.h>
 
@@ -18,7 +19,7 @@
 
 namespace KivPlr {
 
-class ClockBase : private Object, public IClock
+class KIVPLR_API ClockBase : private Object, public IClock
 {
 public:
     /// GetElapsedNanoseconds() / 1 000.

@@ -14,6 +14,7 @@
 #ifndef KIVPLR_CLOCKGETTIMECLOCK_H
 #define KIVPLR_CLOCKGETTIMECLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/sync/ILock.h>
 #include <KivPlr/time/ClockBase.h>
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class ClockGetTimeClock : public ClockBase
+class KIVPLR_API ClockGetTimeClock : public ClockBase
 {
 public:
     /// Keeps references on \p lock and \p provider and reads the start time

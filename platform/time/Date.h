@@ -21,6 +21,7 @@
 #ifndef KIVPLR_DATE_H
 #define KIVPLR_DATE_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/time/DateDuration.h>
 #include <KivPlr/time/ValueKind.h>
 
@@ -28,7 +29,7 @@
 
 namespace KivPlr {
 
-class Date : public KindOrdered<Date>
+class KIVPLR_API Date : public KindOrdered<Date>
 {
 public:
     static constexpr std::int32_t FirstYear = 1970;

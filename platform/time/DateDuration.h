@@ -12,13 +12,14 @@
 #ifndef KIVPLR_DATEDURATION_H
 #define KIVPLR_DATEDURATION_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/time/ValueKind.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class DateDuration : public KindOrdered<DateDuration>
+class KIVPLR_API DateDuration : public KindOrdered<DateDuration>
 {
 public:
     /// A finite span of \p days (negative spans are allowed).

@@ -13,11 +13,12 @@
 #ifndef KIVPLR_EPOCH_H
 #define KIVPLR_EPOCH_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/time/Date.h>
 
 namespace KivPlr {
 
-class Epoch : public Date
+class KIVPLR_API Epoch : public Date
 {
 public:
     /// 1970-01-01: kind 0, day 0.

@@ -13,6 +13,7 @@
 #ifndef KIVPLR_ICLOCK_H
 #define KIVPLR_ICLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/time/TimeDuration.h>
 
@@ -20,7 +21,7 @@
 
 namespace KivPlr {
 
-class IClock : public virtual IObject
+class KIVPLR_API IClock : public virtual IObject
 {
 public:
     /// Nanoseconds since the clock was created.

@@ -17,6 +17,7 @@
 #ifndef KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
 #define KIVPLR_IPOSIXTIMESPECOFFSETCALCULATOR_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <cstdint>
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class IPosixTimespecOffsetCalculator : public virtual IObject
+class KIVPLR_API IPosixTimespecOffsetCalculator : public virtual IObject
 {
 public:
     /// \p deadline = the provider's current time + \p timeoutMilliseconds.

@@ -16,13 +16,14 @@
 #ifndef KIVPLR_IPOSIXTIMESPECPROVIDER_H
 #define KIVPLR_IPOSIXTIMESPECPROVIDER_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 
 #include <ctime>
 
 namespace KivPlr {
 
-class IPosixTimespecProvider : public virtual IObject
+class KIVPLR_API IPosixTimespecProvider : public virtual IObject
 {
 public:
     /// clock_gettime on the provider's clock; its return value unchanged.

@@ -13,6 +13,7 @@
 #ifndef KIVPLR_ISYSTEMCLOCK_H
 #define KIVPLR_ISYSTEMCLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/IObject.h>
 #include <KivPlr/time/TimePoint.h>
 
@@ -20,7 +21,7 @@
 
 namespace KivPlr {
 
-class ISystemClock : public virtual IObject
+class KIVPLR_API ISystemClock : public virtual IObject
 {
 public:
     /// The current wall-clock time (UTC), to the microsecond. A null \p now

@@ -23,6 +23,7 @@
 #ifndef KIVPLR_ISO8601DURATION_H
 #define KIVPLR_ISO8601DURATION_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Result.h>
 
 #include <cstdint>
@@ -32,7 +33,7 @@
 
 namespace KivPlr {
 
-class Iso8601Duration
+class KIVPLR_API Iso8601Duration
 {
 public:
     static constexpr float Tolerance = 1.1920929e-7f;

@@ -14,6 +14,7 @@
 #ifndef KIVPLR_LINUXSYSTEMCLOCK_H
 #define KIVPLR_LINUXSYSTEMCLOCK_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/time/ISystemClock.h>
 
@@ -21,7 +22,7 @@
 
 namespace KivPlr {
 
-class LinuxSystemClock : private Object, public ISystemClock
+class KIVPLR_API LinuxSystemClock : private Object, public ISystemClock
 {
 public:
     /// gettimeofday, then FromTimeval.

@@ -13,6 +13,7 @@
 #ifndef KIVPLR_POSIXCURRENTTIMESPEC_H
 #define KIVPLR_POSIXCURRENTTIMESPEC_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/time/IPosixTimespecProvider.h>
 
@@ -20,7 +21,7 @@
 
 namespace KivPlr {
 
-class PosixCurrentTimespec : private Object, public IPosixTimespecProvider
+class KIVPLR_API PosixCurrentTimespec : private Object, public IPosixTimespecProvider
 {
 public:
     /// \p clockId is handed to clock_gettime unchanged on every read; an

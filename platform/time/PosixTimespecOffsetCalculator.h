@@ -14,6 +14,7 @@
 #ifndef KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
 #define KIVPLR_POSIXTIMESPECOFFSETCALCULATOR_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/core/Object.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivPlr/time/IPosixTimespecOffsetCalculator.h>
@@ -24,7 +25,7 @@
 
 namespace KivPlr {
 
-class PosixTimespecOffsetCalculator : private Object, public IPosixTimespecOffsetCalculator
+class KIVPLR_API PosixTimespecOffsetCalculator : private Object, public IPosixTimespecOffsetCalculator
 {
 public:
     /// Keeps its own reference on \p provider. An empty provider is accepted

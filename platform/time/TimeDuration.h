@@ -18,13 +18,14 @@
 #ifndef KIVPLR_TIMEDURATION_H
 #define KIVPLR_TIMEDURATION_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/time/ValueKind.h>
 
 #include <cstdint>
 
 namespace KivPlr {
 
-class TimeDuration : public KindOrdered<TimeDuration>
+class KIVPLR_API TimeDuration : public KindOrdered<TimeDuration>
 {
 public:
     /// Rounding modes of the RoundTo operations. Any other mode truncates.

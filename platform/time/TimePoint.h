@@ -17,6 +17,7 @@
 #ifndef KIVPLR_TIMEPOINT_H
 #define KIVPLR_TIMEPOINT_H
 
+#include <KivPlr/core/Export.h>
 #include <KivPlr/time/Date.h>
 #include <KivPlr/time/TimeDuration.h>
 #include <KivPlr/time/ValueKind.h>
@@ -26,7 +27,7 @@
 
 namespace KivPlr {
 
-class TimePoint : public KindOrdered<TimePoint>
+class KIVPLR_API TimePoint : public KindOrdered<TimePoint>
 {
 public:
     /// 1970-01-01 00:00:00.
@@ -89,7 +90,7 @@ private:
 /// \p base plus \p offset, split into whole days (rounded toward -infinity)
 /// and the time of day left over (0 to just under 24 h). The date has the
 /// kind of \p base. A special \p offset is kept as the time of day as it is.
-TimePoint operator+(const Date& base, const TimeDuration& offset);
+KIVPLR_API TimePoint operator+(const Date& base, const TimeDuration& offset);
 
 } // namespace KivPlr
 

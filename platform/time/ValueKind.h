@@ -14,6 +14,8 @@
 #ifndef KIVPLR_VALUEKIND_H
 #define KIVPLR_VALUEKIND_H
 
+#include <KivPlr/core/Export.h>
+
 #include <cstdint>
 
 namespace KivPlr {
@@ -62,7 +64,7 @@ bool KindLess(ValueKind leftKind, Payload left, ValueKind rightKind, Payload rig
 /// `class Date : public KindOrdered<Date>`. Under these rules a <= b is
 /// a < b or a == b, so a "not a value" duration is <= only itself.
 template <typename Value>
-class KindOrdered
+class KIVPLR_API KindOrdered
 {
 public:
     friend bool operator!=(const Value& left, const Value& right) { return !(left == right); }

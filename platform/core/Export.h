@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+// Export.h - KIVPLR_API, the mark on what libkivplr exports.
+//
+// The library is compiled with hidden visibility: a class, function or
+// constant leaves the shared object only when its declaration in a public
+// header carries KIVPLR_API. Interfaces carry it too, so that their type
+// information is one object in every program and library that uses them
+// (dynamic_cast, the sanitizers' type checks). Helpers of the library's own
+// sources carry no mark and stay inside it.
+//
+//   class KIVPLR_API Widget
+//   {
+//   public:
+//       void Draw();
+//   };
+//   KIVPLR_API bool IsReady();
+//   extern KIVPLR_API const int WidgetCount;
+//
+// The same mark serves the library's build and a program that includes the
+// header: on ELF, exporting and importing a symbol are one visibility.
+#ifndef KIVPLR_EXPORT_H
+#define KIVPLR_EXPORT_H
+
+#define KIVPLR_API __attribute__((visibility("default")))
+
+#endif
