@@ -6,15 +6,10 @@
 // header carries KIVPLR_API. Interfaces carry it too, so that their type
 // information is one object in every program and library that uses them
 // (dynamic_cast, the sanitizers' type checks). Helpers of the library's own
-// sources carry no mark and stay inside it.
-//
-//   class KIVPLR_API Widget
-//   {
-//   public:
-//       void Draw();
-//   };
-//   KIVPLR_API bool IsReady();
-//   extern KIVPLR_API const int WidgetCount;
+// sources carry no mark and stay inside it. The mark goes between a class's
+// keyword and its name (class KIVPLR_API PosixLock), in front of a function
+// (KIVPLR_API void Trim(std::string& text)) and after the extern of a
+// constant (extern KIVPLR_API const Uuid PlatformInterfaceId).
 //
 // The same mark serves the library's build and a program that includes the
 // header: on ELF, exporting and importing a symbol are one visibility.

@@ -72,3 +72,10 @@ kiv_add_test_suite(kivplr_sync_tests platform/sync
         SharedLockBaseTest.cpp
         ThreadBaseTest.cpp
         WaitEventTest.cpp)
+
+# The library exports the names its public headers declare and nothing else
+# (no private helper, no internal type in a public signature).
+add_test(NAME KivPlrSymbolsTest.OnlyNamesOfPublicHeadersAreExported
+    COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/platform/exported-symbols
+        ${CMAKE_NM} $<TARGET_FILE:kivplr> ${KIV_PUBLIC_INCLUDE_DIR}/KivPlr)
+set_tests_properties(KivPlrSymbolsTest.OnlyNamesOfPublicHeadersAreExported PROPERTIES LABELS platform)
