@@ -77,56 +77,67 @@ TEST_F(UserGroupTest, NewUserGroupHasCountZero)
     EXPECT_EQ(fresh->GetReferenceCount(), 1u);
 }
 
-TEST_F(UserGroupTest, AddUserRunsUsermodAppendingTheGroup)
+namespace {
+
+// Add, Delete and AddUser each run one tool and pass on whether it succeeded.
+struct ToolCase
 {
-    tools.Install("usermod", 0);
-    _Result result = ResultFail;
-    group->AddUser("alice", "video", result);
-    EXPECT_EQ(result, ResultPass);
-    EXPECT_EQ(tools.Calls(), Names{"usermod -aG video alice"});
+    const char* behaviour; ///< the test's name
+    const char* tool;
+    int exitStatus;
+    void (*operation)(IUserGroup& group, _Result& result);
+    _Result expected;
+    const char* command; ///< the one command line the tool sees, either way
+};
+
+std::ostream& operator<<(std::ostream& stream, const ToolCase& entry)
+{
+    return stream << entry.behaviour;
 }
 
-TEST_F(UserGroupTest, AddUserGivesFailWhenUsermodFails)
+class UserGroupToolTest : public UserGroupTest, public ::testing::WithParamInterface<ToolCase>
 {
-    tools.Install("usermod", 6);
-    _Result result = ResultPass;
-    group->AddUser("alice", "video", result);
-    EXPECT_EQ(result, ResultFail);
+};
+
+void AddUserToVideo(IUserGroup& group, _Result& result)
+{
+    group.AddUser("alice", "video", result);
 }
 
-TEST_F(UserGroupTest, AddRunsGroupadd)
+void AddVideo(IUserGroup& group, _Result& result)
 {
-    tools.Install("groupadd", 0);
-    _Result result = ResultFail;
-    group->Add("video", result);
-    EXPECT_EQ(result, ResultPass);
-    EXPECT_EQ(tools.Calls(), Names{"groupadd video"});
+    group.Add("video", result);
 }
 
-TEST_F(UserGroupTest, AddGivesFailWhenGroupaddFails)
+void DeleteVideo(IUserGroup& group, _Result& result)
 {
-    tools.Install("groupadd", 9);
-    _Result result = ResultPass;
-    group->Add("video", result);
-    EXPECT_EQ(result, ResultFail);
+    group.Delete("video", result);
 }
 
-TEST_F(UserGroupTest, DeleteRunsGroupdel)
+} // namespace
+
+TEST_P(UserGroupToolTest, RunsOneToolAndReportsItsOutcome)
 {
-    tools.Install("groupdel", 0);
-    _Result result = ResultFail;
-    group->Delete("video", result);
-    EXPECT_EQ(result, ResultPass);
-    EXPECT_EQ(tools.Calls(), Names{"groupdel video"});
+    const ToolCase& entry = GetParam();
+    tools.Install(entry.tool, entry.exitStatus);
+    _Result result = entry.expected == ResultPass ? ResultFail : ResultPass;
+    entry.operation(*group, result);
+    EXPECT_EQ(result, entry.expected);
+    EXPECT_EQ(tools.Calls(), Names{entry.command});
 }
 
-TEST_F(UserGroupTest, DeleteGivesFailWhenGroupdelFails)
-{
-    tools.Install("groupdel", 8);
-    _Result result = ResultPass;
-    group->Delete("video", result);
-    EXPECT_EQ(result, ResultFail);
-}
+INSTANTIATE_TEST_SUITE_P(
+    Tools, UserGroupToolTest,
+    ::testing::Values(
+        ToolCase{"AddUserRunsUsermodAppendingTheGroup", "usermod", 0, AddUserToVideo, ResultPass,
+                 "usermod -aG video alice"},
+        ToolCase{"AddUserGivesFailWhenUsermodFails", "usermod", 6, AddUserToVideo, ResultFail,
+                 "usermod -aG video alice"},
+        ToolCase{"AddRunsGroupadd", "groupadd", 0, AddVideo, ResultPass, "groupadd video"},
+        ToolCase{"AddGivesFailWhenGroupaddFails", "groupadd", 9, AddVideo, ResultFail, "groupadd video"},
+        ToolCase{"DeleteRunsGroupdel", "groupdel", 0, DeleteVideo, ResultPass, "groupdel video"},
+        ToolCase{"DeleteGivesFailWhenGroupdelFails", "groupdel", 8, DeleteVideo, ResultFail, "groupdel video"}),
+    [](const ::testing::TestParamInfo<ToolCase>& entry) { return std::string(entry.param.behaviour); });
 
 TEST_F(UserGroupTest, RemoveUserSetsTheRemainingGroupsSeparatedBySpaces)
 {

@@ -149,16 +149,6 @@ TEST_F(UserTest, AddRunsUseraddWithTheCryptHashOfThePassword)
     EXPECT_EQ(tools.Calls(), Names{"useradd alice -p " + hash});
 }
 
-TEST_F(UserTest, AddGivesFailWhenUseraddFails)
-{
-    tools.Install("useradd", 9);
-    SmartPtr<IUser> user(new User);
-    _Result result = ResultPass;
-    user->Add("alice", "Secret12", result);
-    EXPECT_EQ(result, ResultFail);
-    EXPECT_EQ(tools.Calls().size(), 1u);
-}
-
 TEST_F(UserTest, AddWithOneCharacterPasswordRunsUseraddWithWhatCryptReturns)
 {
     // A one-character salt is invalid for DES; libxcrypt then answers with
@@ -291,14 +281,55 @@ TEST_F(UserTest, DeleteRunsUserdel)
     EXPECT_EQ(tools.Calls(), Names{"userdel alice"});
 }
 
-TEST_F(UserTest, DeleteGivesFailWhenUserdelFails)
+namespace {
+
+// Add and Delete each run one tool and fail when it fails.
+struct FailingToolCase
 {
-    tools.Install("userdel", 6);
+    const char* behaviour; ///< the test's name
+    const char* tool;
+    int exitStatus;
+    void (*operation)(IUser& user, _Result& result);
+};
+
+std::ostream& operator<<(std::ostream& stream, const FailingToolCase& entry)
+{
+    return stream << entry.behaviour;
+}
+
+class UserFailingToolTest : public UserTest, public ::testing::WithParamInterface<FailingToolCase>
+{
+};
+
+void AddAlice(IUser& user, _Result& result)
+{
+    user.Add("alice", "Secret12", result);
+}
+
+void DeleteAlice(IUser& user, _Result& result)
+{
+    user.Delete("alice", result);
+}
+
+} // namespace
+
+TEST_P(UserFailingToolTest, GivesFailAfterRunningTheToolOnce)
+{
+    const FailingToolCase& entry = GetParam();
+    tools.Install(entry.tool, entry.exitStatus);
     SmartPtr<IUser> user(new User);
     _Result result = ResultPass;
-    user->Delete("alice", result);
+    entry.operation(*user, result);
     EXPECT_EQ(result, ResultFail);
+    EXPECT_EQ(tools.Calls().size(), 1u);
 }
+
+INSTANTIATE_TEST_SUITE_P(Tools, UserFailingToolTest,
+                         ::testing::Values(FailingToolCase{"AddWhenUseraddFails", "useradd", 9, AddAlice},
+                                           FailingToolCase{"DeleteWhenUserdelFails", "userdel", 6, DeleteAlice}),
+                         [](const ::testing::TestParamInfo<FailingToolCase>& entry) {
+                             return std::string(entry.param.behaviour);
+                         });
 
 TEST_F(UserTest, DeleteOverwritesTheCommandLineWithZerosBeforeFreeingIt)
 {

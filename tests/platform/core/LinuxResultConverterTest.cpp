@@ -1,44 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
+// LinuxResultConverter behaves as every pass/fail converter does: the cases
+// are in ResultConverterTests.h.
 #include <KivPlr/core/LinuxResultConverter.h>
-#include <KivPlr/core/SmartPtr.h>
-#include <KivTest/ChildProcess.h>
-#include <KivTest/NullReference.h>
+
+#include "ResultConverterTests.h"
 
 #include <gtest/gtest.h>
 
-using namespace KivPlr;
+#include <string>
 
-KIV_NULL_REFERENCE(NullResultReference, KivPlr::_Result)
+namespace KivTest {
+namespace {
 
-TEST(LinuxResultConverterTest, ZeroConvertsToPass)
+struct ConverterName
 {
-    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
-    _Result result = ResultFail;
-    converter->Convert(0, result);
-    EXPECT_EQ(result, ResultPass);
-}
+    template <typename> static std::string GetName(int) { return "LinuxResultConverter"; }
+};
 
-TEST(LinuxResultConverterTest, NonZeroConvertsToFail)
-{
-    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
-    for (int native : {-1, 22, 1, 110}) {
-        _Result result = ResultPass;
-        converter->Convert(native, result);
-        EXPECT_EQ(result, ResultFail) << native;
-    }
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Converter, ResultConverterTest, KivPlr::LinuxResultConverter, ConverterName);
 
-TEST(LinuxResultConverterTest, NewConverterHasCountZero)
-{
-    LinuxResultConverter* converter = new LinuxResultConverter;
-    IResultConverter* asInterface = converter;
-    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
-    SmartPtr<IResultConverter> owner(converter);
-}
-
-TEST(LinuxResultConverterTest, NullResultReferenceExitsSilently)
-{
-    SmartPtr<IResultConverter> converter(new LinuxResultConverter);
-    EXPECT_FATAL_SILENT(converter->Convert(0, NullResultReference()));
-    EXPECT_FATAL_SILENT(converter->Convert(-1, NullResultReference()));
-}
+} // namespace
+} // namespace KivTest

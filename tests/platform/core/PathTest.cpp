@@ -76,22 +76,6 @@ TEST(PathTest, WindowsStylePathGetsForwardSlashes)
     EXPECT_EQ(DirectoryOf(path), "C:/dir");
 }
 
-TEST(PathTest, BackslashBecomesSlash)
-{
-    EXPECT_STREQ(Path("a\\b").GetPath(), "a/b");
-}
-
-TEST(PathTest, MixedSeparatorPairCollapsesToOne)
-{
-    EXPECT_STREQ(Path("a/\\b").GetPath(), "a/b");
-    EXPECT_STREQ(Path("a\\/b").GetPath(), "a/b");
-}
-
-TEST(PathTest, DoubledSlashStays)
-{
-    EXPECT_STREQ(Path("a//b").GetPath(), "a//b");
-}
-
 TEST(PathTest, StringAndCharacterConstructorsAgree)
 {
     EXPECT_STREQ(Path(std::string("x\\/y\\z")).GetPath(), Path("x\\/y\\z").GetPath());
@@ -111,6 +95,7 @@ TEST(PathTest, DotSegmentsAreNotTouchedByNormalisation)
 
 struct NormalisationCase
 {
+    const char* behaviour; ///< the case's name
     const char* text;
     const char* slashResult;
     const char* backslashResult;
@@ -137,28 +122,29 @@ TEST_P(PathNormalisationTest, NormalisesToTheStyle)
 // separators of the other kind are turned round.
 INSTANTIATE_TEST_SUITE_P(
     HandWorked, PathNormalisationTest,
-    ::testing::Values(NormalisationCase{"", "", ""},
-                      NormalisationCase{"/", "/", "\\"},
-                      NormalisationCase{"\\", "/", "\\"},
-                      NormalisationCase{"a/b", "a/b", "a\\b"},
-                      NormalisationCase{"a\\b", "a/b", "a\\b"},
-                      NormalisationCase{"a/\\b", "a/b", "a\\b"},
-                      NormalisationCase{"a\\/b", "a/b", "a\\b"},
-                      NormalisationCase{"a//b", "a//b", "a\\\\b"},
-                      NormalisationCase{"a\\\\b", "a//b", "a\\\\b"},
+    ::testing::Values(NormalisationCase{"EmptyStaysEmpty", "", "", ""},
+                      NormalisationCase{"SlashAlone", "/", "/", "\\"},
+                      NormalisationCase{"BackslashAlone", "\\", "/", "\\"},
+                      NormalisationCase{"Slash", "a/b", "a/b", "a\\b"},
+                      NormalisationCase{"Backslash", "a\\b", "a/b", "a\\b"},
+                      NormalisationCase{"SlashBackslashPairCollapsesToOne", "a/\\b", "a/b", "a\\b"},
+                      NormalisationCase{"BackslashSlashPairCollapsesToOne", "a\\/b", "a/b", "a\\b"},
+                      NormalisationCase{"DoubledSlashStays", "a//b", "a//b", "a\\\\b"},
+                      NormalisationCase{"DoubledBackslashStays", "a\\\\b", "a//b", "a\\\\b"},
                       // a / \ \ b: in slash style the pair at 1 collapses twice
                       // over; in backslash style the first pair leaves two backslashes.
-                      NormalisationCase{"a/\\\\b", "a/b", "a\\\\b"},
+                      NormalisationCase{"PairCollapsesTwiceOver", "a/\\\\b", "a/b", "a\\\\b"},
                       // a / \ / \ b: pairs at 1 and then at 2; "//" is left.
-                      NormalisationCase{"a/\\/\\b", "a//b", "a\\\\b"},
+                      NormalisationCase{"TwoSlashBackslashPairsLeaveTwoSeparators", "a/\\/\\b", "a//b", "a\\\\b"},
                       // a \ / \ / b: "/\" at 2, then "\/" at 1.
-                      NormalisationCase{"a\\/\\/b", "a//b", "a\\\\b"},
+                      NormalisationCase{"PairsCollapseInEitherOrder", "a\\/\\/b", "a//b", "a\\\\b"},
                       // a \ \ / b: only "\/" at 2; the first "\" turns round.
-                      NormalisationCase{"a\\\\/b", "a//b", "a\\\\b"},
+                      NormalisationCase{"OnlyTheBackslashSlashPairCollapses", "a\\\\/b", "a//b", "a\\\\b"},
                       // a / \ / b: "/\" at 1 leaves a sep then "/".
-                      NormalisationCase{"a/\\/b", "a//b", "a\\b"},
-                      NormalisationCase{"C:\\dir\\file.txt", "C:/dir/file.txt",
-                                        "C:\\dir\\file.txt"}));
+                      NormalisationCase{"PairThenSlash", "a/\\/b", "a//b", "a\\b"},
+                      NormalisationCase{"WindowsPath", "C:\\dir\\file.txt", "C:/dir/file.txt",
+                                        "C:\\dir\\file.txt"}),
+    [](const ::testing::TestParamInfo<NormalisationCase>& entry) { return std::string(entry.param.behaviour); });
 
 // --- SetPath ----------------------------------------------------------------
 
@@ -246,43 +232,40 @@ TEST(PathTest, CopiesAreIndependent)
 
 // --- GetFile, GetDirectory, IsAbsolute ----------------------------------------
 
-TEST(PathTest, GetFileWithoutSeparatorIsWholeText)
+struct SplitCase
 {
-    EXPECT_EQ(FileOf(Path("name")), "name");
+    const char* behaviour; ///< the case's name
+    const char* text;
+    const char* file;
+    const char* directory;
+};
+
+std::ostream& operator<<(std::ostream& stream, const SplitCase& entry)
+{
+    return stream << '"' << entry.text << '"';
 }
 
-TEST(PathTest, GetFileOfTrailingSeparatorIsEmpty)
+class PathSplitTest : public ::testing::TestWithParam<SplitCase>
 {
-    EXPECT_EQ(FileOf(Path("dir/")), "");
+};
+
+TEST_P(PathSplitTest, SplitsAtTheLastSeparator)
+{
+    const SplitCase& entry = GetParam();
+    EXPECT_EQ(FileOf(Path(entry.text)), entry.file);
+    EXPECT_EQ(DirectoryOf(Path(entry.text)), entry.directory);
 }
 
-TEST(PathTest, GetDirectoryWithoutSeparatorIsWholeText)
-{
-    EXPECT_EQ(DirectoryOf(Path("name")), "name");
-}
-
-TEST(PathTest, GetFileAndDirectorySplitAtTheLastSeparator)
-{
-    EXPECT_EQ(FileOf(Path("/a/b/c")), "c");
-    EXPECT_EQ(DirectoryOf(Path("/a/b/c")), "/a/b");
-    EXPECT_EQ(FileOf(Path("a//b")), "b");
-    EXPECT_EQ(DirectoryOf(Path("a//b")), "a/");
-    EXPECT_EQ(DirectoryOf(Path("dir/")), "dir");
-}
-
-TEST(PathTest, GetDirectoryOfRootEntryIsEmpty)
-{
-    EXPECT_EQ(DirectoryOf(Path("/x")), "");
-    EXPECT_EQ(FileOf(Path("/x")), "x");
-    EXPECT_EQ(DirectoryOf(Path("/")), "");
-    EXPECT_EQ(FileOf(Path("/")), "");
-}
-
-TEST(PathTest, GetFileAndDirectoryOfEmptyPathAreEmpty)
-{
-    EXPECT_EQ(FileOf(Path()), "");
-    EXPECT_EQ(DirectoryOf(Path()), "");
-}
+INSTANTIATE_TEST_SUITE_P(
+    GetFileAndDirectory, PathSplitTest,
+    ::testing::Values(SplitCase{"NoSeparatorGivesTheWholeTextToBoth", "name", "name", "name"},
+                      SplitCase{"TrailingSeparatorGivesAnEmptyFile", "dir/", "", "dir"},
+                      SplitCase{"NestedPath", "/a/b/c", "c", "/a/b"},
+                      SplitCase{"DoubledSeparatorKeepsOneWithTheDirectory", "a//b", "b", "a/"},
+                      SplitCase{"RootEntryHasAnEmptyDirectory", "/x", "x", ""},
+                      SplitCase{"RootAloneGivesBothEmpty", "/", "", ""},
+                      SplitCase{"EmptyPathGivesBothEmpty", "", "", ""}),
+    [](const ::testing::TestParamInfo<SplitCase>& entry) { return std::string(entry.param.behaviour); });
 
 TEST(PathTest, GetFileAndDirectorySeeBothSeparators)
 {
@@ -314,79 +297,10 @@ TEST(PathTest, IsAbsoluteFalseForRelativeAndEmpty)
 
 // --- MakeAbsolute -------------------------------------------------------------
 
-TEST(PathTest, MakeAbsoluteJoinsBaseAndName)
-{
-    EXPECT_EQ(Absolute(Path("sub"), "/var/lib"), "/var/lib/sub");
-}
-
-TEST(PathTest, MakeAbsoluteClimbsOneLevelPerParentReference)
-{
-    EXPECT_EQ(Absolute(Path("../x"), "/a/b"), "/a/x");
-    EXPECT_EQ(Absolute(Path("../../x"), "/a/b/c"), "/a/x");
-}
-
-TEST(PathTest, MakeAbsoluteOfDotKeepsBaseWithTrailingSeparator)
-{
-    EXPECT_EQ(Absolute(Path("."), "/a/"), "/a/");
-}
-
-TEST(PathTest, MakeAbsoluteLeavesAbsolutePathUnchanged)
-{
-    EXPECT_EQ(Absolute(Path("/abs/../x"), "/r"), "/abs/../x");
-    EXPECT_EQ(Absolute(Path("\\abs"), "/r"), "/abs");
-}
-
-TEST(PathTest, MakeAbsoluteAddsNoSecondSeparatorAfterTrailingOne)
-{
-    EXPECT_EQ(Absolute(Path("sub"), "/var/lib/"), "/var/lib/sub");
-    EXPECT_EQ(Absolute(Path("sub"), "/var/lib\\"), "/var/lib\\sub");
-}
-
-TEST(PathTest, MakeAbsoluteRemovesLeadingCharactersWhereverParentReferenceIs)
-{
-    // "../" sits after "x", yet "x.." goes and "/y" stays.
-    EXPECT_EQ(Absolute(Path("x../y"), "/a/b"), "/a//y");
-}
-
-TEST(PathTest, MakeAbsoluteConsumesSlashParentsBeforeBackslashParents)
-{
-    // "../" is found at 3, so the leading "..\" goes first.
-    EXPECT_EQ(Absolute(VerbatimPath("..\\../x"), "/a/b/c"), "/a/x");
-    EXPECT_EQ(Absolute(VerbatimPath("../..\\x"), "/a/b/c"), "/a/x");
-}
-
-TEST(PathTest, MakeAbsoluteRemovesCurrentDirectoryReferenceOnce)
-{
-    EXPECT_EQ(Absolute(Path("./x"), "/a"), "/a/x");
-    EXPECT_EQ(Absolute(Path("././x"), "/a"), "/a/./x");
-}
-
-TEST(PathTest, MakeAbsoluteCutsBaseToEmptyAtSeparatorInFirstPosition)
-{
-    EXPECT_EQ(Absolute(Path("../x"), "/a"), "/x");
-    EXPECT_EQ(Absolute(Path("../x"), "/"), "/x");
-}
-
-TEST(PathTest, MakeAbsoluteLeavesBaseWithoutSeparatorAlone)
-{
-    EXPECT_EQ(Absolute(Path("../x"), "a"), "a/x");
-}
-
-TEST(PathTest, MakeAbsoluteTakesBaseVerbatim)
-{
-    EXPECT_EQ(Absolute(Path("x"), "C:\\dir"), "C:\\dir/x");
-}
-
 TEST(PathTest, MakeAbsoluteAppendsSeparatorOfOwnStyle)
 {
     EXPECT_EQ(Absolute(BackslashPath("sub"), "C:\\dir"), "C:\\dir\\sub");
     EXPECT_EQ(Absolute(BackslashPath("sub"), "/a/"), "/a/sub");
-}
-
-TEST(PathTest, MakeAbsoluteOfEmptyPathEndsBaseWithSeparator)
-{
-    EXPECT_EQ(Absolute(Path(""), "/a"), "/a/");
-    EXPECT_EQ(Absolute(Path(""), ""), "/");
 }
 
 TEST(PathTest, MakeAbsoluteTwiceLeavesTheFirstResult)
@@ -399,6 +313,7 @@ TEST(PathTest, MakeAbsoluteTwiceLeavesTheFirstResult)
 
 struct AbsoluteCase
 {
+    const char* behaviour; ///< the case's name
     const char* text;     ///< handed to the Path constructor (normalised)
     bool verbatim;        ///< true: the text is kept exactly, mixed separators and all
     const char* base;
@@ -432,62 +347,64 @@ INSTANTIATE_TEST_SUITE_P(
     HandWorked, PathMakeAbsoluteTest,
     ::testing::Values(
         // plain joins
-        AbsoluteCase{"x", false, "/a/b", "/a/b/x"},
-        AbsoluteCase{"sub", false, "/var/lib/", "/var/lib/sub"},
-        AbsoluteCase{"sub", false, "/var/lib\\", "/var/lib\\sub"},
-        AbsoluteCase{"sub", false, "", "/sub"},
-        AbsoluteCase{"a//b", false, "/r", "/r/a//b"},
-        AbsoluteCase{"a\\b", false, "/r", "/r/a/b"},
-        AbsoluteCase{"x", false, "C:\\dir", "C:\\dir/x"},
+        AbsoluteCase{"JoinsBaseAndName", "x", false, "/a/b", "/a/b/x"},
+        AbsoluteCase{"AddsNoSecondSeparatorAfterTrailingSlash", "sub", false, "/var/lib/", "/var/lib/sub"},
+        AbsoluteCase{"AddsNoSecondSeparatorAfterTrailingBackslash", "sub", false, "/var/lib\\", "/var/lib\\sub"},
+        AbsoluteCase{"EmptyBaseGivesARootedName", "sub", false, "", "/sub"},
+        AbsoluteCase{"KeepsADoubledSlash", "a//b", false, "/r", "/r/a//b"},
+        AbsoluteCase{"JoinsTheNormalisedText", "a\\b", false, "/r", "/r/a/b"},
+        AbsoluteCase{"TakesBaseVerbatim", "x", false, "C:\\dir", "C:\\dir/x"},
         // empty texts
-        AbsoluteCase{"", false, "/a", "/a/"},
-        AbsoluteCase{"", false, "/a/", "/a/"},
-        AbsoluteCase{"", false, "", "/"},
-        AbsoluteCase{".", false, "", ""},
-        AbsoluteCase{".", false, "/a", "/a"},
-        AbsoluteCase{".", false, "/a/", "/a/"},
+        AbsoluteCase{"EmptyPathEndsBaseWithSeparator", "", false, "/a", "/a/"},
+        AbsoluteCase{"EmptyPathKeepsTheTrailingSeparator", "", false, "/a/", "/a/"},
+        AbsoluteCase{"EmptyPathOnEmptyBaseIsTheRoot", "", false, "", "/"},
+        AbsoluteCase{"DotOnEmptyBaseIsEmpty", ".", false, "", ""},
+        AbsoluteCase{"DotIsTheBase", ".", false, "/a", "/a"},
+        AbsoluteCase{"DotKeepsBaseWithTrailingSeparator", ".", false, "/a/", "/a/"},
         // ".." without a separator after it is a plain name
-        AbsoluteCase{"..", false, "/a/b", "/a/b/.."},
-        AbsoluteCase{"x/..", false, "/a/b", "/a/b/x/.."},
-        AbsoluteCase{".x", false, "/a", "/a/.x"},
+        AbsoluteCase{"DotDotAloneIsAName", "..", false, "/a/b", "/a/b/.."},
+        AbsoluteCase{"TrailingDotDotIsAName", "x/..", false, "/a/b", "/a/b/x/.."},
+        AbsoluteCase{"DotPrefixedNameIsAName", ".x", false, "/a", "/a/.x"},
         // climbing
-        AbsoluteCase{"../x", false, "/a/b", "/a/x"},
-        AbsoluteCase{"../x", false, "/a/b/", "/a/b/x"},
-        AbsoluteCase{"../../x", false, "/a/b/c", "/a/x"},
-        AbsoluteCase{"..\\x", false, "/a/b", "/a/x"},
-        AbsoluteCase{"../", false, "/a/b", "/a/"},
-        AbsoluteCase{"../.", false, "/a/b", "/a"},
-        AbsoluteCase{"x", false, "C:\\dir\\sub", "C:\\dir\\sub/x"},
-        AbsoluteCase{"../x", false, "C:\\dir\\sub", "C:\\dir/x"},
+        AbsoluteCase{"ParentReferenceClimbsOneLevel", "../x", false, "/a/b", "/a/x"},
+        AbsoluteCase{"ClimbFromTrailingSeparatorRemovesOnlyIt", "../x", false, "/a/b/", "/a/b/x"},
+        AbsoluteCase{"ClimbsOneLevelPerParentReference", "../../x", false, "/a/b/c", "/a/x"},
+        AbsoluteCase{"NormalisedBackslashParentClimbs", "..\\x", false, "/a/b", "/a/x"},
+        AbsoluteCase{"ClimbWithNothingAfterEndsWithSeparator", "../", false, "/a/b", "/a/"},
+        AbsoluteCase{"ClimbThenDotIsTheParent", "../.", false, "/a/b", "/a"},
+        AbsoluteCase{"BackslashBaseIsJoinedWithSlash", "x", false, "C:\\dir\\sub", "C:\\dir\\sub/x"},
+        AbsoluteCase{"ClimbsAtABackslashOfTheBase", "../x", false, "C:\\dir\\sub", "C:\\dir/x"},
         // separator at position 0 of the base, and bases without separator
-        AbsoluteCase{"../x", false, "/a", "/x"},
-        AbsoluteCase{"../x", false, "/", "/x"},
-        AbsoluteCase{"../../../x", false, "/a", "/x"},
-        AbsoluteCase{"../x", false, "a", "a/x"},
-        AbsoluteCase{"../x", false, "", "/x"},
+        AbsoluteCase{"CutsBaseToEmptyAtSeparatorInFirstPosition", "../x", false, "/a", "/x"},
+        AbsoluteCase{"ClimbFromRootStaysAtRoot", "../x", false, "/", "/x"},
+        AbsoluteCase{"ClimbsNoHigherThanEmpty", "../../../x", false, "/a", "/x"},
+        AbsoluteCase{"LeavesBaseWithoutSeparatorAlone", "../x", false, "a", "a/x"},
+        AbsoluteCase{"ClimbOnEmptyBaseGivesARootedName", "../x", false, "", "/x"},
         // "../" found anywhere, leading characters removed
-        AbsoluteCase{"x../y", false, "/a/b", "/a//y"},
-        AbsoluteCase{"x/../y", false, "/a/b", "/a/y"},
-        AbsoluteCase{"x/../../y", false, "/a/b/c", "/a/y"},
-        AbsoluteCase{"a/b/../c", false, "/r/s", "//c"},
+        AbsoluteCase{"RemovesLeadingCharactersWhereverParentReferenceIs", "x../y", false, "/a/b", "/a//y"},
+        AbsoluteCase{"InnerParentReferenceRemovesLeadingCharacters", "x/../y", false, "/a/b", "/a/y"},
+        AbsoluteCase{"TwoInnerParentReferencesClimbTwice", "x/../../y", false, "/a/b/c", "/a/y"},
+        AbsoluteCase{"InnerParentReferenceCutsTheTextFromTheFront", "a/b/../c", false, "/r/s", "//c"},
         // "./" and ".\" removed once each
-        AbsoluteCase{"./x", false, "/a", "/a/x"},
-        AbsoluteCase{"././x", false, "/a", "/a/./x"},
-        AbsoluteCase{"x/./y", false, "/a", "/a/./y"},
-        AbsoluteCase{"./", false, "/a", "/a/"},
-        AbsoluteCase{"./.", false, "/a/", "/a/"},
-        AbsoluteCase{".\\x", true, "/a", "/a/x"},
-        AbsoluteCase{"./.\\x", true, "/a", "/a/x"},
+        AbsoluteCase{"RemovesCurrentDirectoryReference", "./x", false, "/a", "/a/x"},
+        AbsoluteCase{"RemovesCurrentDirectoryReferenceOnce", "././x", false, "/a", "/a/./x"},
+        AbsoluteCase{"InnerCurrentDirectoryReferenceCutsTheTextFromTheFront", "x/./y", false, "/a", "/a/./y"},
+        AbsoluteCase{"CurrentDirectoryAloneEndsBaseWithSeparator", "./", false, "/a", "/a/"},
+        AbsoluteCase{"CurrentDirectoryThenDotIsTheBase", "./.", false, "/a/", "/a/"},
+        AbsoluteCase{"RemovesBackslashCurrentDirectoryReference", ".\\x", true, "/a", "/a/x"},
+        AbsoluteCase{"RemovesEachKindOfCurrentDirectoryReferenceOnce", "./.\\x", true, "/a", "/a/x"},
         // "..\" only after every "../" is gone
-        AbsoluteCase{"..\\..\\x", true, "/a/b/c", "/a/x"},
-        AbsoluteCase{"..\\../x", true, "/a/b/c", "/a/x"},
-        AbsoluteCase{"../..\\x", true, "/a/b/c", "/a/x"},
-        AbsoluteCase{"..\\x/../y", true, "/a/b/c", "/a/y"},
-        AbsoluteCase{"..\\", true, "/a/b", "/a/"},
+        AbsoluteCase{"ClimbsOncePerBackslashParentReference", "..\\..\\x", true, "/a/b/c", "/a/x"},
+        AbsoluteCase{"ConsumesSlashParentsBeforeBackslashParents", "..\\../x", true, "/a/b/c", "/a/x"},
+        AbsoluteCase{"ClimbsForSlashThenBackslashParent", "../..\\x", true, "/a/b/c", "/a/x"},
+        AbsoluteCase{"InnerSlashParentGoesBeforeLeadingBackslashParent", "..\\x/../y", true, "/a/b/c", "/a/y"},
+        AbsoluteCase{"BackslashParentAloneEndsWithSeparator", "..\\", true, "/a/b", "/a/"},
         // absolute texts stay
-        AbsoluteCase{"/abs", false, "/r", "/abs"},
-        AbsoluteCase{"\\abs\\..\\x", false, "/r", "/abs/../x"},
-        AbsoluteCase{"\\x", true, "/r", "\\x"}));
+        AbsoluteCase{"LeavesAbsolutePathUnchanged", "/abs", false, "/r", "/abs"},
+        AbsoluteCase{"LeavesParentReferencesOfAnAbsolutePath", "/abs/../x", false, "/r", "/abs/../x"},
+        AbsoluteCase{"LeavesNormalisedAbsolutePathUnchanged", "\\abs\\..\\x", false, "/r", "/abs/../x"},
+        AbsoluteCase{"LeavesVerbatimBackslashRootedPathUnchanged", "\\x", true, "/r", "\\x"}),
+    [](const ::testing::TestParamInfo<AbsoluteCase>& entry) { return std::string(entry.param.behaviour); });
 
 TEST(PathTest, MakeAbsoluteOfBackslashParentUsesBackslashSeparator)
 {

@@ -1,44 +1,23 @@
 // SPDX-License-Identifier: Apache-2.0
+// PosixResultPassFail behaves as every pass/fail converter does: the cases
+// are in ResultConverterTests.h.
 #include <KivPlr/core/PosixResultPassFail.h>
-#include <KivPlr/core/SmartPtr.h>
-#include <KivTest/ChildProcess.h>
-#include <KivTest/NullReference.h>
+
+#include "ResultConverterTests.h"
 
 #include <gtest/gtest.h>
 
-using namespace KivPlr;
+#include <string>
 
-KIV_NULL_REFERENCE(NullResultReference, KivPlr::_Result)
+namespace KivTest {
+namespace {
 
-TEST(PosixResultPassFailTest, ZeroConvertsToPass)
+struct ConverterName
 {
-    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
-    _Result result = ResultFail;
-    converter->Convert(0, result);
-    EXPECT_EQ(result, ResultPass);
-}
+    template <typename> static std::string GetName(int) { return "PosixResultPassFail"; }
+};
 
-TEST(PosixResultPassFailTest, NonZeroConvertsToFail)
-{
-    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
-    for (int native : {-1, 22, 1, 110}) {
-        _Result result = ResultPass;
-        converter->Convert(native, result);
-        EXPECT_EQ(result, ResultFail) << native;
-    }
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Converter, ResultConverterTest, KivPlr::PosixResultPassFail, ConverterName);
 
-TEST(PosixResultPassFailTest, NewConverterHasCountZero)
-{
-    PosixResultPassFail* converter = new PosixResultPassFail;
-    IResultConverter* asInterface = converter;
-    EXPECT_EQ(asInterface->GetReferenceCount(), 0u);
-    SmartPtr<IResultConverter> owner(converter);
-}
-
-TEST(PosixResultPassFailTest, NullResultReferenceExitsSilently)
-{
-    SmartPtr<IResultConverter> converter(new PosixResultPassFail);
-    EXPECT_FATAL_SILENT(converter->Convert(0, NullResultReference()));
-    EXPECT_FATAL_SILENT(converter->Convert(-1, NullResultReference()));
-}
+} // namespace
+} // namespace KivTest
