@@ -60,6 +60,8 @@ public:
     void Update();
 
 private:
+    ~DiscoverableServices() override = default;
+
     /// Refreshes both groups and sets \p metadata to their texts followed by
     /// the discovery version; marks the description for writing when a
     /// fragment changed, and clears the providers' flags.

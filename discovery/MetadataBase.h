@@ -6,12 +6,19 @@
 // its fragment and hands it to AcceptFragment. Created with new and owned
 // through SmartPtr<IMetadata>; used by one thread at a time.
 //
-//   void MetadataComputerName::Refresh()
-//   {
-//       std::ostringstream fragment;
-//       WriteElement(fragment, "ComputerName", config.computerName);
-//       AcceptFragment(fragment.str());
-//   }
+// Example:
+//   #include <sstream>
+//   class FixedName : public MetadataBase {     // MetadataComputerName reads the record instead
+//   public:
+//       void Refresh() override
+//       {
+//           std::ostringstream fragment;
+//           WriteElement(fragment, "ComputerName", "unit-1");
+//           AcceptFragment(fragment.str());
+//       }
+//   };
+//   SmartPtr<IMetadata> provider(new FixedName);
+//   provider->Refresh();                         // changed: "<ComputerName>unit-1</ComputerName>"
 #ifndef KIVCONFIG_METADATABASE_H
 #define KIVCONFIG_METADATABASE_H
 

@@ -23,6 +23,9 @@ class MetadataComputerName : public MetadataConfigText
 public:
     /// Reads `computerName` of \p config, which must outlive the provider.
     explicit MetadataComputerName(const VpCfg::CConfig& config);
+
+private:
+    ~MetadataComputerName() override = default;
 };
 
 } // namespace KivConfig

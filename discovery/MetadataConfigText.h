@@ -28,6 +28,8 @@ public:
     void Refresh() override;
 
 protected:
+    ~MetadataConfigText() override = default;
+
     /// Publishes the field \p field of \p config inside the element \p element.
     MetadataConfigText(const VpCfg::CConfig& config, const char* const VpCfg::CConfig::*field,
                        const char* element);

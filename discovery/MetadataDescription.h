@@ -23,6 +23,9 @@ class MetadataDescription : public MetadataConfigText
 public:
     /// Reads `descriptionText` of \p config, which must outlive the provider.
     explicit MetadataDescription(const VpCfg::CConfig& config);
+
+private:
+    ~MetadataDescription() override = default;
 };
 
 } // namespace KivConfig

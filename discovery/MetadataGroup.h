@@ -47,6 +47,8 @@ public:
     void GetXml(std::string& out) const;
 
 private:
+    ~MetadataGroup() override = default;
+
     std::vector<KivPlr::SmartPtr<IMetadata>> providers;
     std::string name;
 };

@@ -37,6 +37,8 @@ public:
     static const char* ModelText(std::uint32_t modelCode);
 
 private:
+    ~MetadataProductFamily() override = default;
+
     const VpSts::CStatus& status;
 };
 

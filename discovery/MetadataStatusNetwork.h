@@ -34,6 +34,8 @@ public:
     void Refresh() override;
 
 private:
+    ~MetadataStatusNetwork() override = default;
+
     const VpSts::CStatus& status;
 };
 

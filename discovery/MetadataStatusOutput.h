@@ -33,6 +33,8 @@ public:
     void Refresh() override;
 
 private:
+    ~MetadataStatusOutput() override = default;
+
     const VpSts::CStatus& status;
 };
 

@@ -23,6 +23,9 @@ class MetadataTimezone : public MetadataConfigText
 public:
     /// Reads `timeZoneName` of \p config, which must outlive the provider.
     explicit MetadataTimezone(const VpCfg::CConfig& config);
+
+private:
+    ~MetadataTimezone() override = default;
 };
 
 } // namespace KivConfig

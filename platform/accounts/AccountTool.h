@@ -7,6 +7,8 @@
 // stateless and may be called from any thread; each call blocks until the
 // shell it started has ended.
 //
+// Example:
+//   const char* groupName = "video";
 //   char* line = AccountTool::Format("groupadd %s", groupName);
 //   _Result result = line != nullptr ? AccountTool::Run(line) : ResultFail;
 //   AccountTool::Release(line);

@@ -34,6 +34,9 @@ public:
                                 IResultConverter* resultConverter) override;
     std::int32_t Increment(std::int32_t& counter) override;
     std::int32_t Decrement(std::int32_t& counter) override;
+
+private:
+    ~Posix() override = default;
 };
 
 } // namespace KivPlr

@@ -51,6 +51,8 @@ public:
     void SetPassword(const char* userName, const char* newPassword, _Result& result) override;
 
 protected:
+    ~User() override = default;
+
     /// The hash handed to useradd, made in \p work with crypt_r(password,
     /// password): the same text crypt(password, password) gives, so the C
     /// library's traditional DES scheme takes the first two characters of

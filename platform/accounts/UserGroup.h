@@ -48,6 +48,8 @@ public:
     void RemoveUser(const char* userName, const char* groupName, _Result& result) override;
 
 protected:
+    ~UserGroup() override = default;
+
     /// The file GetMembers reads: "/etc/group".
     virtual const char* GroupFile();
 };

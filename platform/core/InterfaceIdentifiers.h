@@ -6,7 +6,9 @@
 // object of the library or of a program using it, and destroyed after them;
 // read-only, so any thread may read them.
 //
-//   if (*interfaceId == PlatformInterfaceId) { ... }
+// Example:
+//   const Uuid* interfaceId = &PlatformInterfaceId;   // what QueryInterface was asked for
+//   bool platformView = *interfaceId == PlatformInterfaceId;
 #ifndef KIVPLR_INTERFACEIDENTIFIERS_H
 #define KIVPLR_INTERFACEIDENTIFIERS_H
 

@@ -28,7 +28,6 @@ class KIVPLR_API LinuxPlatform : public Platform
 public:
     /// Makes the Posix object that builds the POSIX primitives.
     LinuxPlatform();
-    ~LinuxPlatform() override;
 
     /// A PosixLock with a new CLOCK_REALTIME deadline calculator and a new
     /// PosixResultPassFail.
@@ -63,6 +62,9 @@ public:
 
 private:
     SmartPtr<IPosix> posix;
+
+protected:
+    ~LinuxPlatform() override;
 };
 
 } // namespace KivPlr

@@ -5,10 +5,12 @@
 // ReferenceCounter block that it allocates. Concrete classes derive from
 // Object and from their interface; they are created with new, start at
 // count 0, are owned through SmartPtr and delete themselves when the last
-// reference goes. Nobody calls delete on them.
+// reference goes. Only Release deletes: the destructor is protected here and
+// non-public in every class derived from Object, so a delete, or an object on
+// the stack, does not compile outside the class.
 //
-//   class PosixResultPassFail : private Object, public IResultConverter { ... };
 //   SmartPtr<IResultConverter> converter(new PosixResultPassFail);  // count 1
+//   converter.Reset();                                 // 0: deleted by Release
 //
 // Counting is atomic and safe from any thread.
 #ifndef KIVPLR_OBJECT_H
@@ -25,7 +27,6 @@ class KIVPLR_API Object : public virtual IObject, public virtual IObject2
 {
 public:
     Object();
-    ~Object() override;
 
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
@@ -42,6 +43,11 @@ public:
 
     /// The overridable step behind QueryInterface; answers 501 here.
     virtual bool QueryInterfaceImpl(const Uuid* interfaceId, void** object, _Result& result);
+
+protected:
+    /// Drops the object's hold on its count block. Run only by the last
+    /// Release, through the virtual destructor of the most derived class.
+    ~Object() override;
 
 private:
     ReferenceCounter* counter;

@@ -38,6 +38,9 @@ public:
     static IPlatform* GetInstance();
     /// Releases the installed instance, if any, and stores null.
     static void ClearInstance();
+
+protected:
+    ~Platform() override = default;
 };
 
 } // namespace KivPlr

@@ -23,6 +23,9 @@ public:
     /// 200 for 0, 500 for anything else. A null \p result reference is fatal:
     /// "PosixResultPasFail: result NULL reference."
     void Convert(int nativeResult, _Result& result) override;
+
+private:
+    ~PosixResultPassFail() override = default;
 };
 
 } // namespace KivPlr

@@ -42,6 +42,11 @@ std::uint32_t ReferenceCounter::Read() const
     return __atomic_load_n(&references, __ATOMIC_RELAXED);
 }
 
+std::uint32_t ReferenceCounter::ReadHolders() const
+{
+    return __atomic_load_n(&holders, __ATOMIC_RELAXED);
+}
+
 std::uint32_t ReferenceCounter::IncrementUnlessZero()
 {
     std::uint32_t seen = __atomic_load_n(&references, __ATOMIC_RELAXED);

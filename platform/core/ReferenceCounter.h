@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // ReferenceCounter.h - the count block behind every platform object.
 //
-// Object allocates one block per object. `references` is the object's strong
-// count (0 for a new object); `holders` counts who keeps the block itself
-// alive (1 at first: the object's own hold). A party that called
-// GetReferenceCounter can Hold the block and later promote itself with
-// IncrementUnlessZero, which fails once the object is gone.
+// Object allocates one block per object and owns it together with whoever
+// holds it. The block keeps two words, reached only through the operations
+// below: the object's strong count (0 for a new object) and the number of
+// holders of the block itself (1 at first: the object's own hold). A party
+// that called GetReferenceCounter can Hold the block and later promote itself
+// with IncrementUnlessZero, which fails once the object is gone.
 //
 //   ReferenceCounter* block = object->GetReferenceCounter();
 //   block->Hold();
@@ -36,6 +37,8 @@ public:
     std::uint32_t ReleaseTest();
     /// The strong count as it is now; only a snapshot.
     std::uint32_t Read() const;
+    /// How many parties hold the block as it is now; only a snapshot.
+    std::uint32_t ReadHolders() const;
     /// Adds 1 unless the count is 0; returns 1 on success, 0 if it was 0.
     std::uint32_t IncrementUnlessZero();
     /// Adds 1 to the holders of the block; returns the new value.
@@ -43,11 +46,15 @@ public:
     /// Drops one hold; the last one frees the block (do not touch it after).
     void Unhold();
 
-    std::uint32_t references;
-    std::uint32_t holders;
+    ReferenceCounter(const ReferenceCounter&) = delete;
+    ReferenceCounter& operator=(const ReferenceCounter&) = delete;
 
 private:
+    // The last Unhold frees the block; nobody else may.
     ~ReferenceCounter() = default;
+
+    std::uint32_t references;
+    std::uint32_t holders;
 };
 
 } // namespace KivPlr

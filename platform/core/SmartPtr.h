@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 // SmartPtr.h - the intrusive holder through which platform objects are owned.
 //
-// SmartPtr<T> keeps one raw T* and one reference on it. T is an interface
-// (or a class derived from Object); the counting calls always go through the
-// object's single IObject subobject.
+// SmartPtr<T> keeps one raw T* and owns one reference on it. T is an
+// interface (or a class derived from Object); the counting calls always go
+// through the object's single IObject subobject. Copies add a reference;
+// moves hand the one they own over and leave their source empty, so the
+// count does not change.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ILock> lock(platform->CreateLock());   // count 0 -> 1
 //   SmartPtr<ILock> other = lock;                    // 2
 //   lock->Lock();                                    // fatal if lock is empty
-//   other.Reset();                                   // 1
+//   SmartPtr<ILock> moved = std::move(other);        // still 2; other is empty
+//   moved.Reset();                                   // 1
 //
 // A SmartPtr is not synchronised: one must not be assigned in one thread
 // while another reads it. The objects it points to count atomically.
@@ -19,11 +24,16 @@
 #include <KivPlr/core/FatalError.h>
 #include <KivPlr/core/IObject.h>
 
+#include <utility>
+
 namespace KivPlr {
 
 template <typename T>
 class KIVPLR_API SmartPtr
 {
+    template <typename U>
+    friend class SmartPtr;
+
 public:
     /// An empty holder.
     SmartPtr() : pointer(nullptr) {}
@@ -38,6 +48,18 @@ public:
     SmartPtr(const SmartPtr<U>& other) : pointer(other.Get())
     {
         AddRefTo(pointer);
+    }
+
+    /// Takes over the reference \p other owns; \p other is left empty and
+    /// the count is not touched.
+    SmartPtr(SmartPtr&& other) noexcept : pointer(other.pointer) { other.pointer = nullptr; }
+
+    /// Takes over the reference \p other owns, seen as a T; \p other is left
+    /// empty and the count is not touched.
+    template <typename U>
+    SmartPtr(SmartPtr<U>&& other) noexcept : pointer(other.pointer)
+    {
+        other.pointer = nullptr;
     }
 
     ~SmartPtr() { Reset(); }
@@ -62,6 +84,24 @@ public:
     SmartPtr& operator=(const SmartPtr<U>& other)
     {
         return *this = other.Get();
+    }
+
+    /// Takes over the reference \p other owns and leaves \p other empty; the
+    /// object this holder held before loses one reference (after the new one
+    /// is stored). Moving a holder into itself changes nothing.
+    SmartPtr& operator=(SmartPtr&& other) noexcept
+    {
+        if (&other != this)
+            Adopt(other.pointer, other.pointer);
+        return *this;
+    }
+
+    /// As above, for a holder of a type that converts to T.
+    template <typename U>
+    SmartPtr& operator=(SmartPtr<U>&& other) noexcept
+    {
+        Adopt(other.pointer, other.pointer);
+        return *this;
     }
 
     /// Releases the held object, if any, and empties the holder.
@@ -95,6 +135,18 @@ public:
     }
 
 private:
+    // Stores \p object without counting it, empties \p source (the field it
+    // came from) and then releases what was held before, so the release sees
+    // this holder already in its new state.
+    template <typename U>
+    void Adopt(T* object, U*& source)
+    {
+        T* old = pointer;
+        source = nullptr;
+        pointer = object;
+        ReleaseFrom(old);
+    }
+
     static void AddRefTo(T* object)
     {
         if (object != nullptr)

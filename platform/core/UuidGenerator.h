@@ -24,7 +24,6 @@ class KIVPLR_API UuidGenerator : private Object, public IUuidGenerator
 {
 public:
     UuidGenerator();
-    ~UuidGenerator() override;
 
     /// Draws once (see Draw). Nothing but zero bytes gives 500 and leaves
     /// \p uuid as it was; otherwise \p uuid.bytes becomes exactly the 16
@@ -36,6 +35,8 @@ public:
     void Generate(Uuid& uuid, _Result& result) override;
 
 protected:
+    ~UuidGenerator() override;
+
     /// One draw from a random UUID generator made for this call alone: a new
     /// Mersenne Twister engine seeded from the kernel's random source, which
     /// sets the version nibble (4) and the variant bits (binary 10). A class

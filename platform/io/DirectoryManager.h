@@ -39,6 +39,8 @@ public:
     void Reserved1(_Result& result) override;
 
 private:
+    ~DirectoryManager() override = default;
+
     /// GetDirectories (\p wantDirectories) and GetFiles in one.
     void List(const Path& path, bool wantDirectories, std::vector<std::string>& names, _Result& result);
     /// \p absolute = \p path made absolute against the current directory

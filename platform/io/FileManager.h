@@ -36,6 +36,9 @@ public:
     void OpenWrite(const Path& path, SmartPtr<IStream>& stream, _Result& result) override;
     void Move(const Path& from, const Path& to, _Result& result) override;
     void GetInfo(const Path& path, FileInfo& info, _Result& result) override;
+
+private:
+    ~FileManager() override = default;
 };
 
 } // namespace KivPlr

@@ -6,6 +6,12 @@
 // it out as an IDirectoryPosition; FindNext and FindRelease find their way
 // back to the stream through QueryInterface with ClassId():
 //
+// Example:
+//   SmartPtr<IDirectoryManager> directories(new DirectoryManager);
+//   SmartPtr<IDirectoryPosition> position;
+//   std::string name;
+//   _Result result = ResultFail;
+//   directories->FindFirst(Path("/var/lib"), position, name, result);
 //   void* raw = nullptr;
 //   position->QueryInterface(&LinuxDirectoryPosition::ClassId(), &raw, result);
 //   DIR* handle = static_cast<LinuxDirectoryPosition*>(raw)->GetHandle();

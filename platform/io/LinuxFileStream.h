@@ -29,9 +29,6 @@ public:
     /// Takes over \p descriptor, which the caller has opened; the stream
     /// counts as open from here.
     explicit LinuxFileStream(std::int32_t descriptor);
-    /// Closes the descriptor if the stream is still open; the outcome is
-    /// ignored.
-    ~LinuxFileStream() override;
 
     void Reserved1(_Result& result) override;
     void Reserved2(_Result& result) override;
@@ -53,6 +50,10 @@ public:
                std::uint64_t& bytesWritten, _Result& result) override;
 
 private:
+    /// Closes the descriptor if the stream is still open; the outcome is
+    /// ignored.
+    ~LinuxFileStream() override;
+
     std::int32_t fd;
     std::uint32_t isOpen;
 };

@@ -28,14 +28,15 @@ namespace KivPlr {
 class KIVPLR_API Log : private Object, public ILog
 {
 public:
-    /// Closes the process-wide channel.
-    ~Log() override;
-
     using ILog::Write;
     /// syslog at LOG_INFO (levels 0 and unknown ones), LOG_WARNING (1) or
     /// LOG_ERR (2), with \p message as the format string; 200.
     void Write(std::uint32_t level, const std::string& message, _Result& result) override;
     void Close(_Result& result) override;
+
+private:
+    /// Closes the process-wide channel.
+    ~Log() override;
 };
 
 } // namespace KivPlr

@@ -29,6 +29,9 @@ public:
     /// values, LOG_DAEMON for 1, LOG_KERN for 2.
     void Open(const Path& name, const std::string& identity, std::uint32_t facility, SmartPtr<ILog>& log,
               _Result& result) override;
+
+private:
+    ~LogManager() override = default;
 };
 
 } // namespace KivPlr

@@ -44,6 +44,8 @@ public:
     void ReadLine(std::string& line, std::uint32_t delimiter, _Result& result) override;
 
 private:
+    ~StreamReader() override = default;
+
     /// Both forms in one: \p delimiter is the piece delimiter, or none.
     void Read(std::string& line, bool useDelimiter, std::uint32_t delimiter, _Result& result);
 

@@ -6,10 +6,14 @@
 // made on the new thread itself, so an observer shared by several threads
 // must be thread-safe.
 //
+// Example:
+//   #include <atomic>
+//   static std::atomic<int> running{0};
 //   class CountingObserver : private Object, public IThreadObserver {
 //       void BodyStarting(IThread&) override { ++running; }
 //       void BodyFinished(IThread&) override { --running; }
 //   };
+//   SmartPtr<IThreadObserver> observer(new CountingObserver);
 #ifndef KIVPLR_ITHREADOBSERVER_H
 #define KIVPLR_ITHREADOBSERVER_H
 

@@ -31,6 +31,8 @@ public:
     void Wait(std::uint32_t milliseconds, _Result& result) override;
 
 protected:
+    ~LockBase() override = default;
+
     virtual void LockImpl() = 0;
     virtual bool TryLockImpl() = 0;
     virtual void UnlockImpl() = 0;

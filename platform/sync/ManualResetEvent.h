@@ -41,6 +41,8 @@ public:
     bool Wait(std::uint32_t milliseconds) override;
 
 private:
+    ~ManualResetEvent() override = default;
+
     // Written only under the monitor's lock; IsSet reads it without the lock.
     std::atomic<bool> set;
 };

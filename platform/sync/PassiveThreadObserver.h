@@ -22,6 +22,9 @@ public:
     void BodyStarting(IThread& thread) override;
     /// Does nothing.
     void BodyFinished(IThread& thread) override;
+
+private:
+    ~PassiveThreadObserver() override = default;
 };
 
 } // namespace KivPlr

@@ -34,7 +34,6 @@ public:
     /// Keeps a reference on both helpers. A missing helper is fatal only when
     /// an operation needs it ("SmartPtr<T>-> NULL reference").
     PosixLock(IPosixTimespecOffsetCalculator* timeoutCalculator, IResultConverter* resultConverter);
-    ~PosixLock() override;
 
     /// The helpers this lock uses, without touching their counts; for
     /// diagnostics and tests.
@@ -54,6 +53,8 @@ protected:
     void TimedWaitImpl(std::uint32_t milliseconds, _Result& result) override;
 
 private:
+    ~PosixLock() override;
+
     pthread_mutex_t mutex;
     pthread_cond_t condition;
     SmartPtr<IPosixTimespecOffsetCalculator> timeoutCalculator;

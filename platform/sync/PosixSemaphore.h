@@ -33,7 +33,6 @@ public:
     /// an operation needs it ("SmartPtr<T>-> NULL reference").
     PosixSemaphore(IPosixTimespecOffsetCalculator* timeoutCalculator,
                    IResultConverter* resultConverter);
-    ~PosixSemaphore() override;
 
     /// The helpers this semaphore uses, without touching their counts; for
     /// diagnostics and tests.
@@ -51,6 +50,8 @@ protected:
     void TimedWaitImpl(std::uint32_t milliseconds, _Result& result) override;
 
 private:
+    ~PosixSemaphore() override;
+
     sem_t semaphore;
     SmartPtr<IPosixTimespecOffsetCalculator> timeoutCalculator;
     SmartPtr<IResultConverter> resultConverter;

@@ -30,7 +30,6 @@ public:
     /// Keeps a reference on the converter. A missing converter is fatal only
     /// when a try operation needs it ("SmartPtr<T>-> NULL reference").
     explicit PosixSharedLock(IResultConverter* resultConverter);
-    ~PosixSharedLock() override;
 
     /// The converter this lock uses, without touching its count; for
     /// diagnostics and tests.
@@ -46,6 +45,8 @@ protected:
     void UnlockImpl() override;
 
 private:
+    ~PosixSharedLock() override;
+
     /// Succeeded of the converted \p nativeResult.
     bool Answer(int nativeResult);
 

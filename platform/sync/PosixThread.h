@@ -37,9 +37,6 @@ public:
     /// fatal at once; a missing converter when Start needs it.
     PosixThread(IThreadObserver* observer, IPosixThreadPriorityConverter* priorityConverter,
                 IResultConverter* resultConverter, std::uint32_t stackSize);
-    /// Destroys the attributes. A thread that was started and never joined is
-    /// detached, so the system frees it when it ends.
-    ~PosixThread() override;
 
     /// The helpers and the stack size, without touching counts; for
     /// diagnostics and tests.
@@ -57,6 +54,10 @@ protected:
     void CancelImpl(_Result& result) override;
 
 private:
+    /// Destroys the attributes. A thread that was started and never joined is
+    /// detached, so the system frees it when it ends.
+    ~PosixThread() override;
+
     static void* Entry(void* startRecord);
 
     pthread_t thread;

@@ -39,6 +39,9 @@ public:
 
 private:
     std::map<std::int32_t, std::int32_t> priorities;
+
+protected:
+    ~PosixThreadPriorityMap() override = default;
 };
 
 } // namespace KivPlr

@@ -30,6 +30,8 @@ public:
     void Wait(std::uint32_t milliseconds, _Result& result) override;
 
 protected:
+    ~SemaphoreBase() override = default;
+
     virtual int PostImpl() = 0;
     virtual int GetValueImpl() = 0;
     virtual bool TryWaitImpl() = 0;

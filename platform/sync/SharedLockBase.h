@@ -26,6 +26,8 @@ public:
     void Unlock() override;
 
 protected:
+    ~SharedLockBase() override = default;
+
     virtual void ReadLockImpl() = 0;
     virtual bool TryReadLockImpl() = 0;
     virtual void WriteLockImpl() = 0;

@@ -46,6 +46,8 @@ public:
     IThreadObserver* GetObserver() const;
 
 protected:
+    ~ThreadBase() override = default;
+
     virtual void StartImpl(ThreadBody body, void* argument, _Result& result) = 0;
     virtual void JoinImpl(_Result& result) = 0;
     virtual void YieldImpl(_Result& result) = 0;

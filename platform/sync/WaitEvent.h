@@ -38,6 +38,8 @@ public:
     void Signal() override;
 
 protected:
+    ~WaitEvent() override = default;
+
     /// The monitor that guards the event's state.
     const SmartPtr<ILock>& GetMonitor() const;
 

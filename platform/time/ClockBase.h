@@ -6,8 +6,13 @@
 // GetElapsedNanoseconds only. Each coarser operation reads the clock once, so
 // it is as safe from several threads as the concrete clock's read.
 //
-//   class ClockGetTimeClock : public ClockBase { ... };
-//   std::int64_t ms = clock->GetElapsedMilliseconds();   // ns / 1 000 000
+// Example:
+//   class FixedClock : public ClockBase {        // a concrete clock reads nanoseconds only
+//   public:
+//       std::int64_t GetElapsedNanoseconds() override { return 1500000; }
+//   };
+//   SmartPtr<IClock> clock(new FixedClock);
+//   std::int64_t ms = clock->GetElapsedMilliseconds();   // ns / 1 000 000: 1
 #ifndef KIVPLR_CLOCKBASE_H
 #define KIVPLR_CLOCKBASE_H
 

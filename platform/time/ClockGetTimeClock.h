@@ -48,6 +48,8 @@ public:
     IPosixTimespecProvider* GetProvider() const;
 
 private:
+    ~ClockGetTimeClock() override = default;
+
     SmartPtr<ILock> lock;
     SmartPtr<IPosixTimespecProvider> provider;
     struct timespec start;

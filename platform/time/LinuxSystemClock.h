@@ -47,6 +47,9 @@ public:
     /// nanoseconds since 1970) come out right on a 64-bit time_t too, up to
     /// the last day number a Date holds (2^31 - 1 days, year 5 881 580).
     static TimePoint FromTimeval(const struct timeval& tv);
+
+private:
+    ~LinuxSystemClock() override = default;
 };
 
 } // namespace KivPlr

@@ -36,6 +36,8 @@ public:
     clockid_t GetClockId() const;
 
 private:
+    ~PosixCurrentTimespec() override = default;
+
     const clockid_t clockId;
 };
 

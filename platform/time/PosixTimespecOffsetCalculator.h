@@ -47,6 +47,8 @@ public:
     static struct timespec AddMilliseconds(const struct timespec& now, std::uint32_t timeoutMilliseconds);
 
 private:
+    ~PosixTimespecOffsetCalculator() override = default;
+
     SmartPtr<IPosixTimespecProvider> provider;
 };
 

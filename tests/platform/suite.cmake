@@ -22,6 +22,21 @@ kiv_add_test_suite(kivplr_core_tests platform/core
         UuidGeneratorTest.cpp
         UuidTest.cpp)
 
+# Only the last Release destroys a platform object: a delete on one, or one on
+# the stack, must not compile. The check compiles a source with the compiler,
+# options and include directories of the publisher's library (which sees both
+# libraries' headers), syntax only, so it runs in every lane.
+add_test(NAME ObjectTest.DeleteOnAPlatformObjectDoesNotCompile
+    COMMAND ${CMAKE_COMMAND}
+        -DCOMPILER=${CMAKE_CXX_COMPILER}
+        "-DFLAGS=${CMAKE_CXX17_STANDARD_COMPILE_OPTION}|$<JOIN:$<TARGET_PROPERTY:kivdiscovery,COMPILE_OPTIONS>,|>"
+        "-DINCLUDES=$<JOIN:$<TARGET_PROPERTY:kivdiscovery,INCLUDE_DIRECTORIES>,|>"
+        "-DDEFINITIONS=$<JOIN:$<TARGET_PROPERTY:kivdiscovery,COMPILE_DEFINITIONS>,|>"
+        -DSOURCE=${CMAKE_CURRENT_SOURCE_DIR}/platform/core/compile-failure/DeletePlatformObject.cpp
+        "-DCASES=KIV_CASE_DELETE_IMPLEMENTATION|KIV_CASE_DELETE_OBJECT|KIV_CASE_DELETE_DERIVABLE|KIV_CASE_DELETE_PUBLISHER|KIV_CASE_OBJECT_ON_STACK"
+        -P ${CMAKE_CURRENT_SOURCE_DIR}/support/ExpectDestructorRefused.cmake)
+set_tests_properties(ObjectTest.DeleteOnAPlatformObjectDoesNotCompile PROPERTIES LABELS platform/core)
+
 kiv_add_test_suite(kivplr_io_tests platform/io
     SOURCES
         DirectoryManagerTest.cpp

@@ -36,8 +36,8 @@ TEST(ObjectTest, FreshObjectHasCountZeroAndOneHolder)
 {
     Probe* probe = new Probe;
     EXPECT_EQ(probe->GetReferenceCount(), 0u);
-    EXPECT_EQ(probe->GetReferenceCounter()->references, 0u);
-    EXPECT_EQ(probe->GetReferenceCounter()->holders, 1u);
+    EXPECT_EQ(probe->GetReferenceCounter()->Read(), 0u);
+    EXPECT_EQ(probe->GetReferenceCounter()->ReadHolders(), 1u);
     SmartPtr<IObject> owner(probe);
 }
 
@@ -117,7 +117,7 @@ TEST(ObjectTest, CounterBlockOutlivesObjectWhileHeld)
     EXPECT_TRUE(destroyed);
     // The object is gone; its block is still ours to read.
     EXPECT_EQ(block->Read(), 0u);
-    EXPECT_EQ(block->holders, 1u);
+    EXPECT_EQ(block->ReadHolders(), 1u);
     block->Unhold();
 }
 

@@ -27,7 +27,7 @@ TEST(ReferenceCounterTest, OperationsReturnTheirDocumentedValues)
     EXPECT_EQ(block->ReleaseTest(), 0u);  // 2 -> 1
     EXPECT_EQ(block->Hold(), 2u);
     block->Unhold();
-    EXPECT_EQ(block->holders, 1u);
+    EXPECT_EQ(block->ReadHolders(), 1u);
 }
 
 TEST(ReferenceCounterTest, ReleaseTestIsOneOnlyWhenReachingZero)

@@ -135,8 +135,9 @@ TEST(ClockGetTimeClockTest, FailingReadCountsAsTheStartTime)
 
 TEST(ClockGetTimeClockTest, EmptyProviderEndsTheProcessAtCreation)
 {
-    EXPECT_FATAL_MESSAGE(ClockGetTimeClock(new IdleLock, SmartPtr<IPosixTimespecProvider>()),
-                         L"SmartPtr<T>-> NULL reference");
+    EXPECT_FATAL_MESSAGE(
+        SmartPtr<IClock>(new ClockGetTimeClock(new IdleLock, SmartPtr<IPosixTimespecProvider>())),
+        L"SmartPtr<T>-> NULL reference");
 }
 
 TEST(ClockGetTimeClockTest, MonotonicElapsedTimeNeverGoesBackwards)
