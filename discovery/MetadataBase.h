@@ -38,6 +38,8 @@ public:
     void GetXml(std::string& out) const override;
 
 protected:
+    ~MetadataBase() override = default;
+
     /// Not changed, empty cached text.
     MetadataBase();
 

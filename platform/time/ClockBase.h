@@ -35,6 +35,9 @@ public:
     std::int64_t GetElapsedSeconds() override;
     /// TimeDuration::Nanoseconds(GetElapsedNanoseconds()).
     TimeDuration GetElapsedTime() override;
+
+protected:
+    ~ClockBase() override = default;
 };
 
 } // namespace KivPlr
