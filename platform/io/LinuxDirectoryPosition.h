@@ -35,8 +35,6 @@ class KIVPLR_API LinuxDirectoryPosition : private Object, public IDirectoryPosit
 public:
     /// Takes \p handle (an open directory stream) and a copy of \p path.
     LinuxDirectoryPosition(DIR* handle, const Path& path);
-    /// Does not close the stream (see above).
-    ~LinuxDirectoryPosition() override;
 
     void GetPath(Path& path, _Result& result) override;
 
@@ -56,6 +54,9 @@ public:
     bool QueryInterfaceImpl(const Uuid* interfaceId, void** object, _Result& result) override;
 
 private:
+    /// Does not close the stream (see above).
+    ~LinuxDirectoryPosition() override;
+
     DIR* handle;
     Path path;
 };
