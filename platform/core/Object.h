@@ -9,6 +9,7 @@
 // non-public in every class derived from Object, so a delete, or an object on
 // the stack, does not compile outside the class.
 //
+// Example:
 //   SmartPtr<IResultConverter> converter(new PosixResultPassFail);  // count 1
 //   converter.Reset();                                 // 0: deleted by Release
 //
