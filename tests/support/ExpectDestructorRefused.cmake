@@ -39,7 +39,7 @@ if(NOT status EQUAL 0)
 endif()
 message(STATUS "without a case: compiles")
 
-set(refusal "(~[A-Za-z_0-9]+\\(\\)('|’) is (private|protected))|(calling a (private|protected) destructor)")
+set(refusal "(~[A-Za-z_0-9]+\\(\\)('|’) is (private|protected))|((calling a|has) (private|protected) destructor)")
 string(REPLACE "|" ";" CASES "${CASES}")
 foreach(case IN LISTS CASES)
     execute_process(COMMAND ${command} -D${case} ${SOURCE}
