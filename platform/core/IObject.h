@@ -5,6 +5,8 @@
 // implementation of several interfaces holds exactly one IObject. Objects are
 // reference-counted: a new object has count 0, and SmartPtr takes it to 1.
 //
+// Example:
+//   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<IFileManager> files(platform->CreateFileManager());  // count 1
 //   files->AddRef();   // 2 -- rarely needed, SmartPtr does the counting
 //   files->Release();  // 1

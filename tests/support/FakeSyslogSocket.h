@@ -5,6 +5,8 @@
 // Bind it at /dev/log only inside a private mount namespace with its own
 // /dev (see MountNamespace); the C library's logger then talks to it:
 //
+// Example:
+//   #include <syslog.h>
 //   FakeSyslogSocket logger("/dev/log");
 //   syslog(LOG_ERR, "disk full");
 //   std::vector<std::string> sent = logger.Receive();   // {"<11>Nov 21 ... prog: disk full"}

@@ -7,8 +7,13 @@
 // starts at 1970-01-01 00:00:00, long past, so a timed wait over it times out
 // at once.
 //
+// Example:
 //   SmartPtr<FakeTimespecOffsetCalculator> calculator(new FakeTimespecOffsetCalculator);
 //   calculator->SetDeadlineFromNow(50);          // CLOCK_REALTIME + 50 ms
+//   #include <gtest/gtest.h>
+//   SmartPtr<ILock> lock(new PosixLock(calculator.Get(), new PosixResultPassFail));
+//   ScopedLock hold(lock);
+//   _Result result = ResultFail;
 //   lock->Wait(1234, result);
 //   EXPECT_EQ(calculator->Requests(), std::vector<std::uint32_t>{1234});
 #ifndef KIV_TESTS_FAKETIMESPECOFFSETCALCULATOR_H

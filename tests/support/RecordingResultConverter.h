@@ -6,7 +6,13 @@
 // Thread-safe; share it between the objects of one test to see what they
 // handed in:
 //
+// Example:
 //   SmartPtr<RecordingResultConverter> converter(new RecordingResultConverter);
+//   #include <gtest/gtest.h>
+//   SmartPtr<ILock> lock(
+//       new PosixLock(new PosixTimespecOffsetCalculator(new PosixCurrentTimespec(CLOCK_REALTIME)), converter.Get()));
+//   ScopedLock hold(lock);
+//   _Result result = ResultFail;
 //   lock->Wait(10, result);
 //   EXPECT_EQ(converter->NativeResults().back(), ETIMEDOUT);
 #ifndef KIV_TESTS_RECORDINGRESULTCONVERTER_H

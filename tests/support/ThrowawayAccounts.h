@@ -11,6 +11,9 @@
 // runs an inner test (InnerTest.h) that way and proves afterwards that the
 // machine's files did not change:
 //
+// Example:
+//   #include <gtest/gtest.h>
+//   Environment environment;                   // nothing beyond the test's own
 //   EXPECT_INNER_TEST_PASSED(RunWithThrowawayAccounts("UserInside.AddAndDelete", environment));
 #ifndef KIV_TESTS_THROWAWAYACCOUNTS_H
 #define KIV_TESTS_THROWAWAYACCOUNTS_H
