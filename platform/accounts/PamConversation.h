@@ -8,9 +8,12 @@
 // replaced (tests make a copy fail on purpose); PAM frees the responses it
 // is given with free(), so real callers keep the defaults.
 //
-//   PamConversation conversation(password);
+// Example:
+//   #include <security/pam_appl.h>
+//   PamConversation conversation("Secret12");
 //   struct pam_conv pamConversation = {PamConversation::Converse, &conversation};
-//   pam_start(PamConversation::ServiceName, userName, &pamConversation, &handle);
+//   pam_handle_t* handle = nullptr;
+//   pam_start(PamConversation::ServiceName, "operator", &pamConversation, &handle);
 #ifndef KIVPLR_PAMCONVERSATION_H
 #define KIVPLR_PAMCONVERSATION_H
 

@@ -6,11 +6,17 @@
 // Call the operations from inside RunInChild (or another forked child) only:
 // the namespace lasts as long as that process. Single-threaded processes only.
 //
+// Example:
+//   #include <KivTest/ChildProcess.h>
+//   #include <gtest/gtest.h>
+//   #include <unistd.h>
 //   std::string reason;
-//   if (!MountNamespace::Available(reason)) GTEST_SKIP() << reason;
+//   if (!MountNamespace::Available(reason))
+//       GTEST_SKIP() << reason;
 //   ChildOutcome outcome = RunInChild([] {
 //       std::string fault;
-//       if (!MountNamespace::Enter(fault) || !MountNamespace::MountTmpfs("/dev/shm", fault)) ...
+//       if (!MountNamespace::Enter(fault) || !MountNamespace::MountTmpfs("/dev/shm", fault))
+//           _exit(2);
 //   });
 #ifndef KIV_TESTS_MOUNTNAMESPACE_H
 #define KIV_TESTS_MOUNTNAMESPACE_H
