@@ -11,6 +11,16 @@
 // (KIVPLR_API void Trim(std::string& text)) and after the extern of a
 // constant (extern KIVPLR_API const Uuid PlatformInterfaceId).
 //
+// Example (namespace scope):
+//   #include <string>
+//   class KIVPLR_API Exported
+//   {
+//   public:
+//       void Run();
+//   };
+//   KIVPLR_API void TrimBoth(std::string& text);
+//   extern KIVPLR_API const Uuid ExportedInterfaceId;
+//
 // The same mark serves the library's build and a program that includes the
 // header: on ELF, exporting and importing a symbol are one visibility.
 #ifndef KIVPLR_EXPORT_H

@@ -2,10 +2,17 @@
 // IObject2.h - adds access to the reference-count block behind an object.
 //
 // A holder that must learn later whether an object still lives keeps the
-// block (Hold) and promotes itself with IncrementUnlessZero:
+// block (Hold) and promotes itself with IncrementUnlessZero.
 //
+// Example:
+//   #include <KivPlr/core/ReferenceCounter.h>
+//   class Thing : public Object {};  // any object
+//   SmartPtr<IObject2> object(new Thing);
 //   ReferenceCounter* block = object->GetReferenceCounter();
 //   block->Hold();
+//   object.Reset();                                   // the last Release: gone
+//   bool alive = block->IncrementUnlessZero() != 0;   // false: too late
+//   block->Unhold();                                  // the last hold frees the block
 #ifndef KIVPLR_IOBJECT2_H
 #define KIVPLR_IOBJECT2_H
 

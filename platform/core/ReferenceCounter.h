@@ -8,10 +8,15 @@
 // that called GetReferenceCounter can Hold the block and later promote itself
 // with IncrementUnlessZero, which fails once the object is gone.
 //
+// Example:
+//   class Thing : public Object {};  // any object
+//   SmartPtr<IObject2> object(new Thing);
 //   ReferenceCounter* block = object->GetReferenceCounter();
 //   block->Hold();
-//   ...
-//   if (block->IncrementUnlessZero()) { /* object still alive, now counted */ }
+//   IObject2* promoted = block->IncrementUnlessZero() ? object.Get() : nullptr;
+//   if (promoted) {
+//       promoted->Release();  // it was alive and counted for us; done with it
+//   }
 //   block->Unhold();
 //
 // Every read-modify-write is atomic with full ordering; any thread may use it.

@@ -6,7 +6,26 @@
 // between the waits with and without a time-out. It is never made by itself,
 // only as the base of such a lock, and is as thread-safe as that lock.
 //
-//   class PosixLock : public LockBase { void LockImpl() override; ... };
+// Example:
+//   class OneThreadLock : public LockBase {  // a system's lock fills these in
+//   public:
+//       std::uint32_t lastTimeOut = 0;
+//   protected:
+//       void LockImpl() override {}
+//       bool TryLockImpl() override { return true; }
+//       void UnlockImpl() override {}
+//       void NotifyOneImpl(_Result& result) override { result = ResultPass; }
+//       void NotifyAllImpl(_Result& result) override { result = ResultPass; }
+//       void WaitImpl(_Result& result) override { result = ResultPass; }
+//       void TimedWaitImpl(std::uint32_t milliseconds, _Result& result) override
+//       {
+//           lastTimeOut = milliseconds;
+//           result = ResultFail;  // nobody else can notify: the wait times out
+//       }
+//   };
+//   SmartPtr<ILock> lock(new OneThreadLock);
+//   _Result result = ResultPass;
+//   lock->Wait(200, result);  // reaches TimedWaitImpl(200, result)
 #ifndef KIVPLR_LOCKBASE_H
 #define KIVPLR_LOCKBASE_H
 

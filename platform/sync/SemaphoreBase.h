@@ -7,7 +7,20 @@
 // without a time-out. Never made by itself; as thread-safe as its derived
 // semaphore.
 //
-//   class PosixSemaphore : public SemaphoreBase { int PostImpl() override; ... };
+// Example:
+//   class OneThreadSemaphore : public SemaphoreBase {  // a system's semaphore fills these in
+//       int value = 0;
+//   protected:
+//       int PostImpl() override { ++value; return 0; }
+//       int GetValueImpl() override { return value; }
+//       bool TryWaitImpl() override { return value > 0 && value-- > 0; }
+//       void WaitImpl(_Result& result) override { result = TryWaitImpl() ? ResultPass : ResultFail; }
+//       void TimedWaitImpl(std::uint32_t, _Result& result) override { WaitImpl(result); }
+//   };
+//   SmartPtr<ISemaphore> semaphore(new OneThreadSemaphore);
+//   semaphore->Post();
+//   _Result result = ResultFail;
+//   semaphore->Wait(WaitForever, result);  // reaches WaitImpl: ResultPass
 #ifndef KIVPLR_SEMAPHOREBASE_H
 #define KIVPLR_SEMAPHOREBASE_H
 

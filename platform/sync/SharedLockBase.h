@@ -6,7 +6,21 @@
 // (PosixSharedLock) fills in. It is never made by itself, and is as
 // thread-safe as the lock that derives from it.
 //
-//   class PosixSharedLock : public SharedLockBase { void ReadLockImpl() override; ... };
+// Example:
+//   class OneThreadSharedLock : public SharedLockBase {  // a system's lock fills these in
+//       int readers = 0;
+//       bool writer = false;
+//   protected:
+//       void ReadLockImpl() override { ++readers; }
+//       bool TryReadLockImpl() override { return !writer && ++readers > 0; }
+//       void WriteLockImpl() override { writer = true; }
+//       bool TryWriteLockImpl() override { return readers == 0 && !writer && (writer = true); }
+//       void UnlockImpl() override { writer ? void(writer = false) : void(--readers); }
+//   };
+//   SmartPtr<ISharedLock> lock(new OneThreadSharedLock);
+//   lock->ReadLock();
+//   bool refused = !lock->TryWriteLock();  // a reader holds it
+//   lock->Unlock();
 #ifndef KIVPLR_SHAREDLOCKBASE_H
 #define KIVPLR_SHAREDLOCKBASE_H
 

@@ -7,7 +7,26 @@
 // stored values are not synchronised: drive a thread object from one
 // controlling thread.
 //
-//   class PosixThread : public ThreadBase { void StartImpl(...) override; ... };
+// Example:
+//   #include <KivPlr/sync/PassiveThreadObserver.h>
+//   class InlineThread : public ThreadBase {  // runs the body on the caller's thread
+//   public:
+//       explicit InlineThread(IThreadObserver* observer) : ThreadBase(observer) {}
+//   protected:
+//       void StartImpl(ThreadBody body, void* argument, _Result& result) override
+//       {
+//           RunBody(body, argument);  // the observer's two notifications around it
+//           result = ResultPass;
+//       }
+//       void JoinImpl(_Result& result) override { result = ResultPass; }
+//       void YieldImpl(_Result& result) override { result = ResultPass; }
+//       void CancelImpl(_Result& result) override { result = ResultNotSupported; }
+//   };
+//   SmartPtr<IThread> thread(new InlineThread(new PassiveThreadObserver));
+//   int runs = 0;
+//   _Result result = ResultFail;
+//   thread->Start([](void* argument) { ++*static_cast<int*>(argument); }, &runs, result);
+//   thread->Join();  // clears the started flag
 #ifndef KIVPLR_THREADBASE_H
 #define KIVPLR_THREADBASE_H
 

@@ -5,9 +5,12 @@
 // Shared by the library tests (tests/closed) and the discovery-check tests
 // (tests/tools), which must report the same faults at the same positions.
 //
+// Example:
+//   #include <KivTest/TemporaryDirectory.h>
+//   TemporaryDirectory directory;
 //   for (const BadRecordFile& sample : BadRecordFiles()) {
-//       std::string file = WriteSample(directory, sample);
-//       ... expect a message "<file>:" + sample.expected
+//       std::string file = WriteBadRecordFile(directory.Path(), sample);
+//       std::string message = file + ":" + sample.expected;  // what the loader must report
 //   }
 #ifndef KIV_TESTS_BADRECORDFILES_H
 #define KIV_TESTS_BADRECORDFILES_H

@@ -7,13 +7,18 @@
 // files. The outer test prepares the environment and calls RunInnerTest;
 // the child runs the preparation step, sets the environment and executes
 // this program again with a filter for the one inner test. The inner test
-// skips itself when it is run any other way (for instance by ctest):
+// skips itself when it is run any other way (for instance by ctest).
 //
-//   TEST(UserPamInner, RightPassword) {
+// Example (namespace scope):
+//   #include <gtest/gtest.h>
+//   TEST(UserPamInner, RightPassword)
+//   {
 //       KIV_SKIP_UNLESS_INNER_TEST();
-//       ... // runs with pam_wrapper preloaded
+//       // runs with pam_wrapper preloaded
 //   }
-//   TEST(UserPamTest, RightPasswordGives200) {
+//   TEST(UserPamTest, RightPasswordGives200)
+//   {
+//       Environment environment = {{"LD_PRELOAD", "libpam_wrapper.so"}};
 //       EXPECT_INNER_TEST_PASSED(RunInnerTest("UserPamInner.RightPassword", environment));
 //   }
 #ifndef KIV_TESTS_INNERTEST_H

@@ -4,8 +4,13 @@
 //
 // Only for tests of the library's "NULL reference" checks; the optimiser
 // cannot see through them and the undefined-behaviour sanitizer is kept out
-// of the one dereference:
+// of the one dereference.
 //
+// Example:
+//   #include <KivTest/ChildProcess.h>
+//   #include <KivPlr/sync/PosixThreadPriorityMap.h>
+//   SmartPtr<PosixThreadPriorityMap> map(new PosixThreadPriorityMap);
+//   _Result result = ResultFail;
 //   EXPECT_FATAL_SILENT(map->Convert(15, KivTest::NullReference<int>(), result));
 //
 // g++ drops the sanitizer attribute on function templates, so under
@@ -14,15 +19,26 @@
 //
 // A plain function per type, defined with KIV_NULL_REFERENCE at namespace
 // scope, whose call is passed straight as the argument (a named reference
-// bound to it would be reported too):
+// bound to it would be reported too).
 //
+// Example (namespace scope):
 //   KIV_NULL_REFERENCE(NullResult, KivPlr::_Result)
-//   stream->Close(NullResult());   // must neither crash nor write anything
+//   void CloseWithNullResult(IStream* stream)
+//   {
+//       stream->Close(NullResult());  // must neither crash nor write anything
+//   }
 //
 // Or WithNullReference, which makes the reference inside a function the
 // sanitizer leaves alone and hands it to test code as a parameter; passing
-// that parameter on binds nothing new, so any number of calls may use it:
+// that parameter on binds nothing new, so any number of calls may use it.
 //
+// Example:
+//   #include <KivPlr/sync/PassiveThreadObserver.h>
+//   #include <KivPlr/sync/PosixThread.h>
+//   #include <KivPlr/sync/PosixThreadPriorityMap.h>
+//   SmartPtr<IThread> thread(
+//       new PosixThread(new PassiveThreadObserver, new PosixThreadPriorityMap, new PosixResultPassFail, 0));
+//   std::wstring name = L"worker";
 //   KivTest::WithNullReference<_Result>([&](_Result& none) {
 //       thread->SetName(&name, none);
 //       thread->Cancel(none);
@@ -30,8 +46,10 @@
 //
 // For some calls (seen with std::vector parameters of free and static
 // functions) g++ checks the reference at the call site all the same. Make
-// that call in a plain function marked no_sanitize("undefined") instead:
+// that call in a plain function marked no_sanitize("undefined") instead.
 //
+// Example (namespace scope):
+//   #include <KivPlr/accounts/UserGroupList.h>
 //   __attribute__((no_sanitize("undefined"))) void ReadIntoANullVector()
 //   {
 //       UserGroupList::Read("alice", UserGroupList::KeepOwnGroup,

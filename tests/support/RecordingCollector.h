@@ -13,12 +13,16 @@
 // itself held and blocks until it is killed, so the daemon stops between
 // two cycles. Single-threaded use.
 //
+// Example:
+//   #include <KivTest/TemporaryDirectory.h>
+//   TemporaryDirectory work;
+//   std::string configurationText = "<configuration/>", statusText = "<status/>", fault;
 //   RecordingCollector collector(work.Path(), "/home/Kiv/settings/syscontrol/1.0/configuration",
 //                                "/var/lib/discovery");
 //   collector.PlanCycle(1, configurationText, statusText);
-//   collector.Install("/usr/local/sbin/statuscollector", fault);   // inside the namespace
-//   ... run the daemon until collector.Held() ...
-//   RecordingCollector::Observation seen = collector.Observed(2);   // after cycle 1
+//   collector.Install("/usr/local/sbin/statuscollector", fault);  // inside the namespace
+//   // run the daemon until collector.Held()
+//   RecordingCollector::Observation seen = collector.Observed(2);  // after cycle 1
 #ifndef KIV_TESTS_RECORDINGCOLLECTOR_H
 #define KIV_TESTS_RECORDINGCOLLECTOR_H
 

@@ -11,6 +11,11 @@
 //   ASSERT_EQ(chdir(directory.Path().c_str()), 0);
 //   // work in the directory; back on scope exit
 //
+// Or remember and enter in one step.
+//
+// Example:
+//   #include <KivTest/TemporaryDirectory.h>
+//   KivTest::TemporaryDirectory directory;
 //   KivTest::WorkingDirectoryGuard enter(directory.Path());  // remember, then enter
 //
 // It keeps the old directory open and returns with fchdir, so it also works

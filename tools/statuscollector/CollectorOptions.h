@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// CollectorOptions.h - the command line of the status collector:
+// CollectorOptions.h - the command line of the status collector.
 //
+// Usage:
 //   statuscollector [-nolog] [-output FILE]
 //   statuscollector --help | --version
 //
@@ -9,9 +10,20 @@
 // "--version" ask for a text on standard output instead of a snapshot. Made
 // by main() from argv; a plain value used by one thread.
 //
-//   CollectorOptions options;
-//   if (!options.Parse(argc, argv)) { ...options.Problem()...; return CollectorOptions::UsageExitStatus; }
-//   if (options.Asked() != CollectorOptions::Request::Collect) { ...print options.Answer()...; return 0; }
+// Example:
+//   #include <cstdio>
+//   auto run = [](int argc, const char* const* argv) {  // main()'s first steps
+//       CollectorOptions options;
+//       if (!options.Parse(argc, argv)) {
+//           std::fprintf(stderr, "%s\n%s\n", options.Problem().c_str(), CollectorOptions::Usage);
+//           return CollectorOptions::UsageExitStatus;
+//       }
+//       if (options.Asked() != CollectorOptions::Request::Collect) {
+//           std::fputs(options.Answer().c_str(), stdout);
+//           return 0;
+//       }
+//       return 0;  // collect into options.OutputFile()
+//   };
 #ifndef KIV_TOOLS_COLLECTOROPTIONS_H
 #define KIV_TOOLS_COLLECTOROPTIONS_H
 
