@@ -42,6 +42,10 @@ public:
     virtual void ClearChanged() = 0;
     /// Copies the cached fragment into \p out (empty before the first Refresh).
     virtual void GetXml(std::string& out) const = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IMetadata() override = default;
 };
 
 } // namespace KivConfig

@@ -53,6 +53,10 @@ public:
     /// Subtracts 1 from \p counter and returns the stored value. Not atomic.
     /// Wraps from INT32_MIN to INT32_MAX.
     virtual std::int32_t Decrement(std::int32_t& counter) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IPosix() override = default;
 };
 
 } // namespace KivPlr

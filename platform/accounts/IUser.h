@@ -41,6 +41,10 @@ public:
     virtual void GetGroups(const char* userName, std::vector<std::string>& groups, _Result& result) = 0;
     /// Sets the user's password through PAM: 200 if PAM changed it, else 500.
     virtual void SetPassword(const char* userName, const char* newPassword, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IUser() override = default;
 };
 
 } // namespace KivPlr

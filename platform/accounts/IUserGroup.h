@@ -40,6 +40,10 @@ public:
     /// anew with "usermod". 500 without running anything when the user's
     /// group list is empty; otherwise the tool's exit status decides.
     virtual void RemoveUser(const char* userName, const char* groupName, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IUserGroup() override = default;
 };
 
 } // namespace KivPlr

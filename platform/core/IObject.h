@@ -25,8 +25,6 @@ class Uuid;
 class KIVPLR_API IObject
 {
 public:
-    virtual ~IObject() = default;
-
     /// Adds one reference; returns the new count.
     virtual std::uint32_t AddRef() = 0;
     /// Drops one reference; returns non-zero when this call destroyed the
@@ -37,6 +35,11 @@ public:
     /// Asks the object for another view of itself. \p interfaceId names the
     /// view, \p object receives it. Objects that offer no views answer 501.
     virtual bool QueryInterface(const Uuid* interfaceId, void** object, _Result& result) = 0;
+
+protected:
+    /// Only the object itself ends its life, through the last Release;
+    /// a delete through any interface does not compile.
+    virtual ~IObject() = default;
 };
 
 } // namespace KivPlr

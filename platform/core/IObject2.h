@@ -28,6 +28,10 @@ class KIVPLR_API IObject2 : public virtual IObject
 public:
     /// The object's count block, unchanged; it outlives the object while held.
     virtual ReferenceCounter* GetReferenceCounter() = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IObject2() override = default;
 };
 
 } // namespace KivPlr

@@ -58,6 +58,10 @@ public:
     virtual std::int32_t AtomicIncrement(std::int32_t& value) = 0;
     /// Atomically subtracts 1 from \p value; returns the new value.
     virtual std::int32_t AtomicDecrement(std::int32_t& value) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IPlatform() override = default;
 };
 
 } // namespace KivPlr

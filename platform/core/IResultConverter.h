@@ -27,6 +27,10 @@ public:
     /// \p result = 200 if \p nativeResult is 0, else 500. A null \p result
     /// reference ends the process (fatal error).
     virtual void Convert(int nativeResult, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IResultConverter() override = default;
 };
 
 } // namespace KivPlr

@@ -28,6 +28,10 @@ public:
     /// zero bytes gives 500 and leaves \p uuid unchanged. A null \p uuid or
     /// \p result reference ends the process (fatal error).
     virtual void Generate(Uuid& uuid, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IUuidGenerator() override = default;
 };
 
 } // namespace KivPlr

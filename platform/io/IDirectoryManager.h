@@ -82,6 +82,10 @@ public:
     virtual void GetExecutablePath(Path& path, _Result& result) = 0;
     /// Reserved slot; answers 501.
     virtual void Reserved1(_Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IDirectoryManager() override = default;
 };
 
 } // namespace KivPlr

@@ -34,6 +34,10 @@ public:
     /// Copies the path of the enumerated directory (absolute, as it was
     /// opened) into \p path; 200.
     virtual void GetPath(Path& path, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IDirectoryPosition() override = default;
 };
 
 } // namespace KivPlr

@@ -74,6 +74,10 @@ public:
     /// Describes the file (a symbolic link is followed). On 500 \p info is
     /// left as it was.
     virtual void GetInfo(const Path& path, FileInfo& info, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IFileManager() override = default;
 };
 
 } // namespace KivPlr

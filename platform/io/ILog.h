@@ -45,6 +45,10 @@ public:
     /// Closes the process-wide channel; 200. A later write opens it again
     /// with the C library's defaults (its own identity).
     virtual void Close(_Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ILog() override = default;
 };
 
 } // namespace KivPlr

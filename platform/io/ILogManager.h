@@ -43,6 +43,10 @@ public:
     /// unchanged while the channel is in use. 200.
     virtual void Open(const Path& name, const std::string& identity, std::uint32_t facility, SmartPtr<ILog>& log,
                       _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ILogManager() override = default;
 };
 
 } // namespace KivPlr

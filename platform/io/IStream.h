@@ -60,6 +60,10 @@ public:
     /// Read; writing 0 bytes succeeds.
     virtual void Write(const void* buffer, std::uint64_t bufferSize, std::uint64_t offset, std::uint64_t count,
                        std::uint64_t& bytesWritten, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IStream() override = default;
 };
 
 } // namespace KivPlr

@@ -43,6 +43,10 @@ public:
     /// byte. A line feed still ends a piece. A delimiter above 255 never
     /// matches.
     virtual void ReadLine(std::string& line, std::uint32_t delimiter, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IStreamReader() override = default;
 };
 
 } // namespace KivPlr

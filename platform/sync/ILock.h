@@ -10,10 +10,11 @@
 //   SmartPtr<IPlatform> platform(Platform::GetInstance());
 //   SmartPtr<ILock> lock(platform->CreateLock());
 //   bool ready = false;                     // set by another thread, under the lock
-//   ScopedLock hold(lock);
 //   _Result result = ResultPass;
+//   lock->Lock();
 //   while (!ready && Succeeded(result))
 //       lock->Wait(500, result);            // at most 500 ms per round
+//   lock->Unlock();
 #ifndef KIVPLR_ILOCK_H
 #define KIVPLR_ILOCK_H
 
@@ -46,6 +47,10 @@ public:
     /// the result then reports a failure. WaitForever (0xFFFFFFFF) means no
     /// time-out.
     virtual void Wait(std::uint32_t milliseconds, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ILock() override = default;
 };
 
 } // namespace KivPlr

@@ -27,6 +27,10 @@ public:
     virtual void Reset() = 0;
     /// Wakes every waiter and marks the event set.
     virtual void Set() = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IManualResetEvent() override = default;
 };
 
 } // namespace KivPlr

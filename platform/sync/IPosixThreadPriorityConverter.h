@@ -29,6 +29,10 @@ public:
     /// reports ResultPass; a priority without a mapping reports ResultFail and
     /// leaves \p nPosixPriority untouched. A null reference is fatal.
     virtual void Convert(std::int32_t platformPriority, int& nPosixPriority, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IPosixThreadPriorityConverter() override = default;
 };
 
 } // namespace KivPlr

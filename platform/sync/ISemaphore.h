@@ -40,6 +40,10 @@ public:
     /// As Wait, but gives up after \p milliseconds, counted from this call;
     /// the result then reports a failure. WaitForever means no time-out.
     virtual void Wait(std::uint32_t milliseconds, _Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ISemaphore() override = default;
 };
 
 } // namespace KivPlr

@@ -34,6 +34,10 @@ public:
     virtual bool TryWriteLock() = 0;
     /// Releases the calling thread's hold, whether for reading or writing.
     virtual void Unlock() = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ISharedLock() override = default;
 };
 
 } // namespace KivPlr

@@ -64,6 +64,10 @@ public:
     /// at once otherwise. Join it afterwards. Without a result reference
     /// nothing happens.
     virtual void Cancel(_Result& result) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IThread() override = default;
 };
 
 } // namespace KivPlr

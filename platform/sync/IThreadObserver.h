@@ -32,6 +32,10 @@ public:
     /// Called once on the new thread, right after its body returned or while
     /// a cancellation unwinds it. Must not throw.
     virtual void BodyFinished(IThread& thread) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IThreadObserver() override = default;
 };
 
 } // namespace KivPlr

@@ -33,6 +33,10 @@ public:
     virtual bool Wait(std::uint32_t milliseconds) = 0;
     /// Wakes every thread that is waiting now.
     virtual void Signal() = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IWaitEvent() override = default;
 };
 
 } // namespace KivPlr

@@ -7,9 +7,10 @@
 //
 // Example:
 //   SmartPtr<ILock> lock(Platform::GetInstance()->CreateLock());
-//   ScopedLock hold(lock);
 //   _Result result = ResultFail;
+//   lock->Lock();
 //   lock->Wait(WaitForever, result);   // the same as lock->Wait(result)
+//   lock->Unlock();
 #ifndef KIVPLR_WAITTIMEOUT_H
 #define KIVPLR_WAITTIMEOUT_H
 

@@ -34,6 +34,10 @@ public:
     virtual std::int64_t GetElapsedSeconds() = 0;
     /// The elapsed time as a finite TimeDuration, to the nanosecond.
     virtual TimeDuration GetElapsedTime() = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IClock() override = default;
 };
 
 } // namespace KivPlr

@@ -31,6 +31,10 @@ public:
     /// \p deadline = the provider's current time + \p timeoutMilliseconds.
     /// A null \p deadline reference is fatal.
     virtual void ComputeDeadline(std::uint32_t timeoutMilliseconds, struct timespec& deadline) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IPosixTimespecOffsetCalculator() override = default;
 };
 
 } // namespace KivPlr

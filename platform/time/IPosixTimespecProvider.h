@@ -29,6 +29,10 @@ public:
     /// clock_gettime on the provider's clock; its return value unchanged.
     /// A null \p now reference is fatal.
     virtual int GetCurrentTime(struct timespec& now) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~IPosixTimespecProvider() override = default;
 };
 
 } // namespace KivPlr

@@ -37,6 +37,10 @@ public:
     /// The time point that ToText wrote (fatal on text it cannot read, see
     /// TimePoint's text constructor).
     virtual TimePoint FromText(const std::string& text) = 0;
+
+protected:
+    /// Objects end through their last Release, never through a delete.
+    ~ISystemClock() override = default;
 };
 
 } // namespace KivPlr

@@ -39,6 +39,12 @@ template void Delete(KivPlr::LinuxPlatform*);
 #ifdef KIV_CASE_DELETE_PUBLISHER
 template void Delete(KivConfig::DiscoverableServices*);
 #endif
+#ifdef KIV_CASE_DELETE_INTERFACE
+template void Delete(KivPlr::ILock*);
+#endif
+#ifdef KIV_CASE_DELETE_ROOT_INTERFACE
+template void Delete(KivPlr::IObject*);
+#endif
 
 #ifdef KIV_CASE_OBJECT_ON_STACK
 void FileManagerOnTheStack()
