@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
 #include <security/pam_appl.h>
 
 namespace KivPlr {
@@ -22,21 +23,87 @@ void CheckResultReference(_Result& result)
         FatalError(L"User: result NULL reference.");
 }
 
+// libpam and libcrypt are not linked: a program that never checks a
+// password or adds a user (the daemon) then maps neither them nor what they
+// pull in (libaudit, libcap-ng). They are loaded on first use, into the
+// global scope, and every function is looked up there rather than in the
+// loaded handle, so that a library preloaded ahead of them (pam_wrapper in
+// the tests) still answers first, as it would for a linked program. The
+// handles stay open for the life of the process.
+template <typename Function>
+Function FindGlobal(const char* name)
+{
+    return reinterpret_cast<Function>(dlsym(RTLD_DEFAULT, name));
+}
+
+bool LoadGlobal(const char* soname)
+{
+    return dlopen(soname, RTLD_NOW | RTLD_GLOBAL) != nullptr;
+}
+
+// The PAM calls of this file; all null when libpam.so.0 cannot be loaded or
+// lacks one of them.
+struct PamCalls
+{
+    decltype(&pam_start) start = nullptr;
+    decltype(&pam_authenticate) authenticate = nullptr;
+    decltype(&pam_acct_mgmt) accountManagement = nullptr;
+    decltype(&pam_chauthtok) changeToken = nullptr;
+    decltype(&pam_end) end = nullptr;
+};
+
+PamCalls LoadPam()
+{
+    PamCalls found;
+    if (!LoadGlobal("libpam.so.0"))
+        return found;
+    found.start = FindGlobal<decltype(&pam_start)>("pam_start");
+    found.authenticate = FindGlobal<decltype(&pam_authenticate)>("pam_authenticate");
+    found.accountManagement = FindGlobal<decltype(&pam_acct_mgmt)>("pam_acct_mgmt");
+    found.changeToken = FindGlobal<decltype(&pam_chauthtok)>("pam_chauthtok");
+    found.end = FindGlobal<decltype(&pam_end)>("pam_end");
+    if (found.start && found.authenticate && found.accountManagement && found.changeToken && found.end)
+        return found;
+    return PamCalls();
+}
+
+// Loaded by the first caller; a static local, so concurrent first calls wait
+// for one load.
+const PamCalls& Pam()
+{
+    static const PamCalls calls = LoadPam();
+    return calls;
+}
+
+typedef char* (*CryptFunction)(const char*, const char*, struct crypt_data*);
+
+// crypt_r from libcrypt.so.1, null when it cannot be loaded.
+CryptFunction Crypt()
+{
+    static const CryptFunction function =
+        LoadGlobal("libcrypt.so.1") ? FindGlobal<CryptFunction>("crypt_r") : nullptr;
+    return function;
+}
+
 // Runs one "check_user" transaction for userName in which every hidden
 // prompt is answered with password; step makes the PAM calls and returns the
-// status of the last one, which pam_end gets too. 500 when PAM cannot start.
+// status of the last one, which pam_end gets too. 500 when PAM cannot be
+// loaded or cannot start.
 template <typename Step>
 _Result RunTransaction(const char* userName, const char* password, Step step)
 {
     if (userName == nullptr || password == nullptr)
         return ResultFail;
+    const PamCalls& pam = Pam();
+    if (pam.start == nullptr)
+        return ResultFail;
     PamConversation answers(password);
     struct pam_conv conversation = {PamConversation::Converse, &answers};
     pam_handle_t* handle = nullptr;
-    if (pam_start(PamConversation::ServiceName, userName, &conversation, &handle) != PAM_SUCCESS)
+    if (pam.start(PamConversation::ServiceName, userName, &conversation, &handle) != PAM_SUCCESS)
         return ResultFail;
-    int status = step(handle);
-    pam_end(handle, status);
+    int status = step(pam, handle);
+    pam.end(handle, status);
     return status == PAM_SUCCESS ? ResultPass : ResultFail;
 }
 
@@ -53,10 +120,10 @@ struct crypt_data* NewHashWorkArea()
 void User::Authenticate(const char* userName, const char* password, _Result& result)
 {
     CheckResultReference(result);
-    result = RunTransaction(userName, password, [](pam_handle_t* handle) {
-        int status = pam_authenticate(handle, PAM_SILENT);
+    result = RunTransaction(userName, password, [](const PamCalls& pam, pam_handle_t* handle) {
+        int status = pam.authenticate(handle, PAM_SILENT);
         if (status == PAM_SUCCESS)
-            status = pam_acct_mgmt(handle, 0);
+            status = pam.accountManagement(handle, 0);
         return status;
     });
 }
@@ -105,7 +172,9 @@ void User::SetPassword(const char* userName, const char* newPassword, _Result& r
 {
     CheckResultReference(result);
     result = RunTransaction(userName, newPassword,
-                            [](pam_handle_t* handle) { return pam_chauthtok(handle, PAM_SILENT); });
+                            [](const PamCalls& pam, pam_handle_t* handle) {
+                                return pam.changeToken(handle, PAM_SILENT);
+                            });
 }
 
 _Result User::RunAndWipe(char* commandLine)
@@ -123,7 +192,9 @@ const char* User::HashPassword(const char* password, struct crypt_data& work)
 {
     // crypt_r, not crypt_rn: on a salt it cannot use it answers with the same
     // failure token ("*0") as crypt does, and useradd is given that token.
-    return crypt_r(password, password, &work);
+    // Without libcrypt there is no hash: null, so Add gives 500.
+    CryptFunction cryptR = Crypt();
+    return cryptR != nullptr ? cryptR(password, password, &work) : nullptr;
 }
 
 void User::ReleaseHashWorkArea(struct crypt_data* work, std::size_t)

@@ -8,7 +8,9 @@
 // route), covers /home, /var/lib, /dev/shm, /usr/local/sbin and
 // /sys/class/drm with tmpfs, installs the collector where the daemon runs it,
 // and stops the daemon once the first description is published. The summary
-// of "discovery-check summary" then names every interface too.
+// of "discovery-check summary" then names every interface too, and the
+// daemon's mappings at that point name no account library (libpam, libcrypt
+// and what they bring in): the daemon never checks a password.
 
 #include <KivDiscoveryClient/DescriptionReader.h>
 #include <KivTest/ChildProcess.h>
@@ -76,7 +78,8 @@ std::string NetworkFragment(const std::string& lines)
 }
 
 /// The body of the namespace child: writes "expected" (what ip reports),
-/// "description" (the first published file), "stdout" and "stderr" of the
+/// "description" (the first published file), "maps" (the daemon's
+/// /proc/<pid>/maps once it has published), "stdout" and "stderr" of the
 /// daemon into \p work. Exits with CannotSetUp, saying why, when this
 /// machine cannot make the namespaces or the interfaces.
 void RunOneCycle(const std::string& work)
@@ -132,9 +135,11 @@ void RunOneCycle(const std::string& work)
         usleep(100000);
     }
     std::string description = ReadFile(DescriptionFile);
+    std::string maps = ReadFile("/proc/" + std::to_string(daemon) + "/maps");
     kill(-daemon, SIGKILL);
     waitpid(daemon, nullptr, 0);
     KivTest::WriteFile(work + "/description", description);
+    KivTest::WriteFile(work + "/maps", maps);
 }
 
 /// Whether \p summary has the line "    <name> (number N): <rest>" for any N.
@@ -152,23 +157,35 @@ bool HasInterfaceLine(const std::string& summary, const std::string& name, const
     return false;
 }
 
+// Runs the daemon's first cycle in its namespaces before each test; skips
+// where they cannot be made.
+class DiscoverydWithReferenceCollectorTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        if (KivTest::RunningUnderEmulation())
+            GTEST_SKIP() << "namespaces and ip are not available to a program under qemu-arm";
+        std::string reason;
+        if (!MountNamespace::Available(reason))
+            GTEST_SKIP() << reason;
+        for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
+            ASSERT_NE(work.Path().rfind(covered, 0), 0u)
+                << "the work directory would be hidden by the tmpfs on " << covered;
+
+        KivTest::ChildOutcome outcome = KivTest::RunInChild([&] { RunOneCycle(work.Path()); });
+        if (outcome.exited && outcome.exitStatus == CannotSetUp)
+            GTEST_SKIP() << outcome.standardOutput;
+        ASSERT_EQ(outcome.standardOutput, "") << KivTest::Describe(outcome);
+    }
+
+    KivTest::TemporaryDirectory work;
+};
+
 } // namespace
 
-TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHideTheOnesAfterIt)
+TEST_F(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHideTheOnesAfterIt)
 {
-    if (KivTest::RunningUnderEmulation())
-        GTEST_SKIP() << "namespaces and ip are not available to a program under qemu-arm";
-    std::string reason;
-    if (!MountNamespace::Available(reason))
-        GTEST_SKIP() << reason;
-    KivTest::TemporaryDirectory work;
-    for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
-        ASSERT_NE(work.Path().rfind(covered, 0), 0u) << "the work directory would be hidden by the tmpfs on " << covered;
-
-    KivTest::ChildOutcome outcome = KivTest::RunInChild([&] { RunOneCycle(work.Path()); });
-    if (outcome.exited && outcome.exitStatus == CannotSetUp)
-        GTEST_SKIP() << outcome.standardOutput;
-    ASSERT_EQ(outcome.standardOutput, "") << KivTest::Describe(outcome);
     std::string file = work.Path() + "/description";
     KivDiscoveryClient::DescriptionReader reader;
     ASSERT_TRUE(reader.Load(file.c_str())) << reader.ErrorMessage() << "\ndaemon's stderr: "
@@ -216,4 +233,12 @@ TEST(DiscoverydWithReferenceCollectorTest, AnInterfaceWithoutAddressesDoesNotHid
                                  "IPv6 2001:db8::10"))
         << summary.standardOutput;
     EXPECT_EQ(summary.standardOutput.find("cut short"), std::string::npos) << summary.standardOutput;
+}
+
+TEST_F(DiscoverydWithReferenceCollectorTest, DaemonMapsNoAccountLibraryAfterItsFirstCycle)
+{
+    std::string maps = ReadFile(work.Path() + "/maps");
+    ASSERT_NE(maps.find("libkivplr.so"), std::string::npos) << "no mappings read:\n" << maps;
+    for (const char* library : {"/libpam.so", "/libpam_misc.so", "/libcrypt.so", "/libaudit.so", "/libcap-ng.so"})
+        EXPECT_EQ(maps.find(library), std::string::npos) << library << " is mapped:\n" << maps;
 }

@@ -14,4 +14,11 @@ if(TARGET discoveryd)
         KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>"
         KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>"
         KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>")
+
+    # The daemon links no account library, not even through libkivplr.
+    add_test(NAME DiscoverydLinkTest.NeitherTheDaemonNorThePlatformLibraryNeedsAnAccountLibrary
+        COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/e2e/no-account-libraries
+            ${CMAKE_READELF} $<TARGET_FILE:kivplr> $<TARGET_FILE:discoveryd>)
+    set_tests_properties(DiscoverydLinkTest.NeitherTheDaemonNorThePlatformLibraryNeedsAnAccountLibrary
+        PROPERTIES LABELS e2e)
 endif()

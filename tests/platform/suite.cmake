@@ -64,6 +64,7 @@ kiv_add_test_suite(kivplr_time_tests platform/time
 kiv_add_test_suite(kivplr_accounts_tests platform/accounts
     LIBRARIES kivplr_internal
     SOURCES
+        AccountLibrariesTest.cpp
         AccountToolTest.cpp
         PamConversationTest.cpp
         PosixTest.cpp

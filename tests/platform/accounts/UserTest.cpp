@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/accounts/User.h>
+#include <KivPlr/core/LinuxPlatform.h>
 #include <KivPlr/core/SmartPtr.h>
 #include <KivTest/ChildProcess.h>
 #include <KivTest/Emulation.h>
@@ -36,12 +37,15 @@ namespace {
 
 typedef std::vector<std::string> Names;
 
-// The test executable does not link libcrypt itself: the platform library
-// brings it in, and the test makes its own call to crypt through it.
+// Neither the test executable nor the platform library links libcrypt (the
+// library loads it when it first makes a hash): the test loads it too, to
+// make its own call to crypt, and may do so before the library has.
 std::string SystemCrypt(const char* phrase, const char* setting)
 {
     typedef char* (*CryptFunction)(const char*, const char*);
-    CryptFunction function = reinterpret_cast<CryptFunction>(dlsym(RTLD_DEFAULT, "crypt"));
+    void* library = dlopen("libcrypt.so.1", RTLD_NOW);
+    CryptFunction function =
+        library != nullptr ? reinterpret_cast<CryptFunction>(dlsym(library, "crypt")) : nullptr;
     if (function == nullptr)
         return "<no crypt>";
     const char* hash = function(phrase, setting);
@@ -669,6 +673,24 @@ TEST_F(UserPamTest, AuthenticateWithTheRightPasswordGivesPass)
 {
     UseMatrix();
     ExpectInnerPasses("RightPassword");
+}
+
+TEST(UserPamInner, RightPasswordThroughThePlatform)
+{
+    KIV_SKIP_UNLESS_INNER_TEST();
+    SmartPtr<IPlatform> platform(new LinuxPlatform);
+    SmartPtr<IUser> user(platform->CreateUser());
+    _Result result = ResultFail;
+    user->Authenticate("alice", "secret", result);
+    EXPECT_EQ(result, ResultPass);
+}
+
+// The platform's user loads PAM on its first check; pam_wrapper, preloaded
+// ahead of it, still answers.
+TEST_F(UserPamTest, AuthenticateThroughCreateUserGivesPass)
+{
+    UseMatrix();
+    ExpectInnerPasses("RightPasswordThroughThePlatform");
 }
 
 TEST(UserPamInner, WrongPassword)
