@@ -6,15 +6,18 @@
 // its fragment and hands it to AcceptFragment. Created with new and owned
 // through SmartPtr<IMetadata>; used by one thread at a time.
 //
+// Fragments are built by appending to one string (Fragment below): a
+// refresh runs every cycle, and a stream's locale and buffer machinery cost
+// more than the text itself.
+//
 // Example:
-//   #include <sstream>
 //   class FixedName : public MetadataBase {     // MetadataComputerName reads the record instead
 //   public:
 //       void Refresh() override
 //       {
-//           std::ostringstream fragment;
+//           Fragment fragment;
 //           WriteElement(fragment, "ComputerName", "unit-1");
-//           AcceptFragment(fragment.str());
+//           AcceptFragment(fragment.Text());
 //       }
 //   };
 //   SmartPtr<IMetadata> provider(new FixedName);
@@ -25,7 +28,7 @@
 #include <KivConfig/IMetadata.h>
 #include <KivPlr/core/Object.h>
 
-#include <ostream>
+#include <cstddef>
 #include <string>
 
 namespace KivConfig {
@@ -38,6 +41,40 @@ public:
     void GetXml(std::string& out) const override;
 
 protected:
+    /// A fragment's text under construction, appended piece by piece. Stop
+    /// ends it where it stands: whatever is appended after that is dropped.
+    class Fragment
+    {
+    public:
+        /// Empty; reserves room for \p expected characters.
+        explicit Fragment(std::size_t expected = 0) { text.reserve(expected); }
+
+        /// Appends the zero-terminated \p piece, unless stopped.
+        Fragment& Append(const char* piece)
+        {
+            if (!stopped)
+                text.append(piece);
+            return *this;
+        }
+        /// Appends \p piece, unless stopped.
+        Fragment& Append(const std::string& piece)
+        {
+            if (!stopped)
+                text.append(piece);
+            return *this;
+        }
+        /// Appends \p value in decimal, unless stopped.
+        Fragment& AppendNumber(unsigned long value);
+        /// Drops everything appended from now on.
+        void Stop() { stopped = true; }
+        /// The text so far.
+        const std::string& Text() const { return text; }
+
+    private:
+        std::string text;
+        bool stopped = false;
+    };
+
     ~MetadataBase() override = default;
 
     /// Not changed, empty cached text.
@@ -47,12 +84,11 @@ protected:
     /// replaces it and sets the changed flag; an equal one changes nothing.
     void AcceptFragment(const std::string& fragment);
 
-    /// Writes "<element>", the zero-terminated \p value and "</element>" into
-    /// \p out, the value as it is (no escaping). A null \p value puts \p out
-    /// into its failed state right after the opening tag, so that nothing
-    /// more is added to it: the fragment then ends just before the missing
-    /// value.
-    static void WriteElement(std::ostream& out, const char* element, const char* value);
+    /// Appends "<element>", the zero-terminated \p value and "</element>" to
+    /// \p out, the value as it is (no escaping). A null \p value stops \p out
+    /// right after the opening tag, so that nothing more is added to it: the
+    /// fragment then ends just before the missing value.
+    static void WriteElement(Fragment& out, const char* element, const char* value);
 
 private:
     bool changed;

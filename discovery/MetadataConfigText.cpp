@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivConfig/MetadataConfigText.h>
 
-#include <sstream>
-
 namespace KivConfig {
 
 MetadataConfigText::MetadataConfigText(const VpCfg::CConfig& config,
@@ -14,9 +12,9 @@ MetadataConfigText::MetadataConfigText(const VpCfg::CConfig& config,
 
 void MetadataConfigText::Refresh()
 {
-    std::ostringstream fragment;
+    Fragment fragment;
     WriteElement(fragment, element, config.*field);
-    AcceptFragment(fragment.str());
+    AcceptFragment(fragment.Text());
 }
 
 } // namespace KivConfig

@@ -2,7 +2,6 @@
 #include <KivConfig/MetadataProductFamily.h>
 
 #include <cstdint>
-#include <sstream>
 
 namespace KivConfig {
 
@@ -29,10 +28,10 @@ const char* MetadataProductFamily::ModelText(std::uint32_t modelCode)
 void MetadataProductFamily::Refresh()
 {
     const std::string model = ModelText(status.modelCode);
-    std::ostringstream fragment;
+    Fragment fragment;
     if (!model.empty())
-        fragment << "<ProductFamily>" << model << "</ProductFamily>";
-    AcceptFragment(fragment.str());
+        fragment.Append("<ProductFamily>").Append(model).Append("</ProductFamily>");
+    AcceptFragment(fragment.Text());
 }
 
 } // namespace KivConfig

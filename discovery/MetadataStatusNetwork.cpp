@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivConfig/MetadataStatusNetwork.h>
 
-#include <sstream>
-
 namespace KivConfig {
 
 MetadataStatusNetwork::MetadataStatusNetwork(const VpSts::CStatus& status) : status(status)
@@ -11,16 +9,17 @@ MetadataStatusNetwork::MetadataStatusNetwork(const VpSts::CStatus& status) : sta
 
 void MetadataStatusNetwork::Refresh()
 {
-    std::ostringstream fragment;
-    fragment << "<Network>";
+    Fragment fragment(512);
+    fragment.Append("<Network>");
     for (unsigned int index = 0;; ++index) {
         const VpSts::CNetworkDevice* device = status.networkDeviceList[index];
         if (device == nullptr)
             break;
         // The attribute quotes keep their backslashes: discovery clients of
         // the family parse exactly this form.
-        fragment << R"(<NetworkDevice number=\")"
-                 << static_cast<unsigned long>(device->deviceNumber) << R"(\">)";
+        fragment.Append(R"(<NetworkDevice number=\")")
+            .AppendNumber(device->deviceNumber)
+            .Append(R"(\">)");
         // Element name and value, in the order the clients read them.
         const char* const texts[][2] = {{"Name", device->name},
                                         {"MAC", device->macAddress},
@@ -30,10 +29,10 @@ void MetadataStatusNetwork::Refresh()
                                         {"Subnet", device->subnet}};
         for (const auto& text : texts)
             WriteElement(fragment, text[0], text[1]);
-        fragment << "</NetworkDevice>";
+        fragment.Append("</NetworkDevice>");
     }
-    fragment << "</Network>";
-    AcceptFragment(fragment.str());
+    fragment.Append("</Network>");
+    AcceptFragment(fragment.Text());
 }
 
 } // namespace KivConfig

@@ -2,7 +2,6 @@
 #include <KivConfig/MetadataStatusOutput.h>
 
 #include <cstdint>
-#include <sstream>
 
 namespace KivConfig {
 
@@ -18,8 +17,8 @@ MetadataStatusOutput::MetadataStatusOutput(const VpSts::CStatus& status) : statu
 
 void MetadataStatusOutput::Refresh()
 {
-    std::ostringstream fragment;
-    fragment << "<Outputs>";
+    Fragment fragment(1024);
+    fragment.Append("<Outputs>");
     for (unsigned int index = 0;; ++index) {
         const VpSts::COutput* output = status.outputList[index];
         if (output == nullptr)
@@ -28,17 +27,21 @@ void MetadataStatusOutput::Refresh()
             continue;
         // The attribute quotes keep their backslashes: discovery clients of
         // the family parse exactly this form.
-        fragment << R"(<Output number=\")" << static_cast<unsigned long>(output->outputNumber)
-                 << R"(\" i:type=\"Cablor6Type\">)"
-                 << "<TranslationTable>"
-                 << "<Rows>" << static_cast<unsigned long>(output->translationRows) << "</Rows>"
-                 << "<Columns>" << static_cast<unsigned long>(output->translationColumns)
-                 << "</Columns>"
-                 << "</TranslationTable>"
-                 << "</Output>";
+        fragment.Append(R"(<Output number=\")")
+            .AppendNumber(output->outputNumber)
+            .Append(R"(\" i:type=\"Cablor6Type\">)")
+            .Append("<TranslationTable>")
+            .Append("<Rows>")
+            .AppendNumber(output->translationRows)
+            .Append("</Rows>")
+            .Append("<Columns>")
+            .AppendNumber(output->translationColumns)
+            .Append("</Columns>")
+            .Append("</TranslationTable>")
+            .Append("</Output>");
     }
-    fragment << "</Outputs>";
-    AcceptFragment(fragment.str());
+    fragment.Append("</Outputs>");
+    AcceptFragment(fragment.Text());
 }
 
 } // namespace KivConfig
