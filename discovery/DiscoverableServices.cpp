@@ -68,7 +68,7 @@ DiscoverableServices::DiscoverableServices(const VpCfg::CConfig& config,
 
 void DiscoverableServices::Update()
 {
-    KivPlr::ScopedLock hold(lock);
+    KivPlr::ScopedLock hold(*lock);
 
     // Every management entry is compared with the port kept so far, not just
     // the first: with two of them the last one wins and each cycle rewrites.

@@ -14,13 +14,13 @@ bool ManualResetEvent::IsSet()
 
 void ManualResetEvent::Reset()
 {
-    ScopedLock hold(GetMonitor());
+    ScopedLock hold(*GetMonitor());
     set.store(false, std::memory_order_release);
 }
 
 void ManualResetEvent::Set()
 {
-    ScopedLock hold(GetMonitor());
+    ScopedLock hold(*GetMonitor());
     _Result result = ResultPass;
     GetMonitor()->NotifyAll(result);
     set.store(true, std::memory_order_release);
@@ -33,7 +33,7 @@ bool ManualResetEvent::Wait()
 
 bool ManualResetEvent::Wait(std::uint32_t milliseconds)
 {
-    ScopedLock hold(GetMonitor());
+    ScopedLock hold(*GetMonitor());
     _Result result = ResultPass;
     // The flag is tested once, before the one wait, and not again after the
     // wake-up; callers that need certainty ask IsSet afterwards.

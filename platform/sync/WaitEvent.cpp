@@ -14,7 +14,7 @@ bool WaitEvent::Wait()
 
 bool WaitEvent::Wait(std::uint32_t milliseconds)
 {
-    ScopedLock hold(monitor);
+    ScopedLock hold(*monitor);
     _Result result = ResultPass;
     monitor->Wait(milliseconds, result);
     return Succeeded(result);
@@ -22,7 +22,7 @@ bool WaitEvent::Wait(std::uint32_t milliseconds)
 
 void WaitEvent::Signal()
 {
-    ScopedLock hold(monitor);
+    ScopedLock hold(*monitor);
     _Result result = ResultPass;
     monitor->NotifyAll(result);
 }

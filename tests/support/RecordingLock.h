@@ -11,7 +11,7 @@
 //   #include <KivPlr/sync/ScopedLock.h>
 //   #include <gtest/gtest.h>
 //   SmartPtr<RecordingLock> lock(new RecordingLock);
-//   { ScopedLock hold(lock.Get()); }
+//   { ScopedLock hold(*lock); }
 //   EXPECT_EQ(lock->Calls(), (std::vector<std::string>{"Lock", "Unlock"}));
 #ifndef KIV_TESTS_RECORDINGLOCK_H
 #define KIV_TESTS_RECORDINGLOCK_H

@@ -5,6 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <thread>
+#include <vector>
+
 using namespace KivPlr;
 
 namespace {
@@ -51,4 +55,48 @@ TEST(ReferenceCounterTest, IncrementUnlessZeroRefusesZero)
     EXPECT_EQ(block->IncrementUnlessZero(), 1u);
     EXPECT_EQ(block->Read(), 2u);
     block->Decrement();
+}
+
+TEST(ReferenceCounterTest, ConcurrentHoldsAndPromotionsLeaveBothWordsExact)
+{
+    SmartPtr<Holder> holder(new Holder);
+    ReferenceCounter* block = holder->GetReferenceCounter();
+    constexpr int threadCount = 4;
+    constexpr int rounds = 200000;
+    std::vector<std::thread> threads;
+    for (int index = 0; index < threadCount; ++index) {
+        threads.emplace_back([block] {
+            for (int round = 0; round < rounds; ++round) {
+                block->Hold();
+                if (block->IncrementUnlessZero() != 0)
+                    block->Decrement();
+                block->Unhold();
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(block->Read(), 1u);
+    EXPECT_EQ(block->ReadHolders(), 1u);
+}
+
+TEST(ReferenceCounterTest, ConcurrentUnholdsFreeTheBlockOnlyAfterTheLast)
+{
+    constexpr int threadCount = 4;
+    Holder* holder = new Holder;
+    ReferenceCounter* block = holder->GetReferenceCounter();
+    for (int index = 0; index < threadCount; ++index)
+        block->Hold();
+    SmartPtr<Holder>(holder).Reset();  // the object is gone; the holds keep the block
+    EXPECT_EQ(block->ReadHolders(), static_cast<std::uint32_t>(threadCount));
+    EXPECT_EQ(block->IncrementUnlessZero(), 0u);
+    block->Hold();  // ours, so the block can be read after the others let go
+    std::vector<std::thread> threads;
+    for (int index = 0; index < threadCount; ++index)
+        threads.emplace_back([block] { block->Unhold(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(block->ReadHolders(), 1u);
+    EXPECT_EQ(block->Read(), 0u);
+    block->Unhold();
 }

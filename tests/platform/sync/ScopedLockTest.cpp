@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivPlr/core/PosixResultPassFail.h>
-#include <KivPlr/core/ReferenceCounter.h>
 #include <KivPlr/sync/PosixLock.h>
 #include <KivPlr/sync/ScopedLock.h>
 #include <KivTest/FakeTimespecOffsetCalculator.h>
@@ -80,20 +79,32 @@ TEST(ScopedLockTest, ARealLockIsFreeAgainAfterAnException)
     EXPECT_TRUE(acquired);
 }
 
-TEST(ScopedLockTest, KeepsTheLockAliveWhileHeld)
+TEST(ScopedLockTest, TakesNoReferenceOnTheLockWhileHeld)
 {
     SmartPtr<RecordingLock> recorder(new RecordingLock);
-    ReferenceCounter* block = recorder->GetReferenceCounter();
-    block->Hold();  // watch the count after the lock itself is gone
+    SmartPtr<ILock> lock(recorder);
+    ASSERT_EQ(recorder->GetReferenceCount(), 2u);
     {
-        SmartPtr<ILock> lock(recorder);
-        recorder.Reset();
         ScopedLock hold(lock);
-        lock.Reset();
-        EXPECT_EQ(block->Read(), 1u);
+        EXPECT_EQ(recorder->GetReferenceCount(), 2u);
     }
-    EXPECT_EQ(block->Read(), 0u);
-    block->Unhold();
+    {
+        ScopedLock hold(*recorder);
+        EXPECT_EQ(recorder->GetReferenceCount(), 2u);
+    }
+    EXPECT_EQ(recorder->GetReferenceCount(), 2u);
+    EXPECT_EQ(recorder->Calls(), (std::vector<std::string>{"Lock", "Unlock", "Lock", "Unlock"}));
+}
+
+TEST(ScopedLockTest, HoldsALockGivenByReference)
+{
+    SmartPtr<RecordingLock> recorder(new RecordingLock);
+    ILock& lock = *recorder;
+    {
+        ScopedLock hold(lock);
+        EXPECT_EQ(recorder->Depth(), 1);
+    }
+    EXPECT_EQ(recorder->Depth(), 0);
 }
 
 TEST(ScopedLockTest, AnEmptyLockIsFatal)
