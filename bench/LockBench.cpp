@@ -12,7 +12,6 @@
 #include <benchmark/benchmark.h>
 
 #include <mutex>
-#include <type_traits>
 
 namespace {
 
@@ -45,26 +44,13 @@ void LockUnlock_StdMutex(benchmark::State& state)
 }
 BENCHMARK(LockUnlock_StdMutex);
 
-// ScopedLock is taking its lock by reference instead of through a SmartPtr
-// copy; this builds with either constructor until both sides have landed.
-template <typename Scoped>
-void HoldEachIteration(benchmark::State& state, const KivPlr::SmartPtr<KivPlr::ILock>& lock)
-{
-    for (auto _ : state) {
-        if constexpr (std::is_constructible_v<Scoped, KivPlr::ILock&>) {
-            Scoped held(*lock);
-            benchmark::ClobberMemory();
-        } else {
-            Scoped held(lock);
-            benchmark::ClobberMemory();
-        }
-    }
-}
-
 void ScopedLock_Project(benchmark::State& state)
 {
     KivPlr::SmartPtr<KivPlr::ILock> lock = MakeLock();
-    HoldEachIteration<KivPlr::ScopedLock>(state, lock);
+    for (auto _ : state) {
+        KivPlr::ScopedLock held(*lock);
+        benchmark::ClobberMemory();
+    }
 }
 BENCHMARK(ScopedLock_Project);
 
