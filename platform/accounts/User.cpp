@@ -25,11 +25,11 @@ void CheckResultReference(_Result& result)
 
 // libpam and libcrypt are not linked: a program that never checks a
 // password or adds a user (the daemon) then maps neither them nor what they
-// pull in (libaudit, libcap-ng). They are loaded on first use, into the
-// global scope, and every function is looked up there rather than in the
-// loaded handle, so that a library preloaded ahead of them (pam_wrapper in
-// the tests) still answers first, as it would for a linked program. The
-// handles stay open for the life of the process.
+// pull in (libaudit, libcap-ng). They are loaded on first use and stay
+// loaded for the life of the process. libpam goes into the global scope and
+// its functions are looked up there rather than in the loaded handle, so
+// that a library preloaded ahead of it (pam_wrapper in the tests) still
+// answers first, as it would for a linked program.
 template <typename Function>
 Function FindGlobal(const char* name)
 {
@@ -77,11 +77,19 @@ const PamCalls& Pam()
 
 typedef char* (*CryptFunction)(const char*, const char*, struct crypt_data*);
 
-// crypt_r from libcrypt.so.1, null when it cannot be loaded.
+// crypt_r from libcrypt.so.1 itself, null when it cannot be loaded. Not
+// from the global scope: a preloaded interceptor of crypt_r
+// (AddressSanitizer's) that met no libcrypt at start-up has nothing to
+// forward to and would call a null pointer.
+CryptFunction LoadCrypt()
+{
+    void* library = dlopen("libcrypt.so.1", RTLD_NOW);
+    return library != nullptr ? reinterpret_cast<CryptFunction>(dlsym(library, "crypt_r")) : nullptr;
+}
+
 CryptFunction Crypt()
 {
-    static const CryptFunction function =
-        LoadGlobal("libcrypt.so.1") ? FindGlobal<CryptFunction>("crypt_r") : nullptr;
+    static const CryptFunction function = LoadCrypt();
     return function;
 }
 
