@@ -13,6 +13,7 @@
 // A summary whose metadata does not follow the publisher's layout shows what
 // it could read and exits with 1.
 
+#include <DiscoveryCheck/MetadataSummary.h>
 #include <DiscoveryCheck/PublishedMetadata.h>
 #include <KivClosed/Quote.h>
 #include <KivDiscoveryClient/DescriptionReader.h>
@@ -126,36 +127,6 @@ int CheckDescription(const char* file)
     return ExitLoaded;
 }
 
-/// A published value as the summary shows it: "none" when empty, quoted
-/// when it holds spaces, quotes, commas or anything unprintable.
-std::string Shown(const std::string& value)
-{
-    if (value.empty())
-        return "none";
-    for (char current : value) {
-        unsigned char byte = static_cast<unsigned char>(current);
-        if (byte <= 0x20 || byte == 0x7F || current == '"' || current == '\\' || current == ',')
-            return Quote(value);
-    }
-    return value;
-}
-
-/// The status snapshot's element behind each published interface item.
-const char* SnapshotElement(const std::string& item)
-{
-    if (item == "Name")
-        return "name";
-    if (item == "MAC")
-        return "mac";
-    if (item == "IPv4")
-        return "ipv4";
-    if (item == "IPv6")
-        return "ipv6";
-    if (item == "Gateway")
-        return "gateway";
-    return "subnet";
-}
-
 int SummariseDescription(const char* file)
 {
     KivDiscoveryClient::DescriptionReader reader;
@@ -164,31 +135,7 @@ int SummariseDescription(const char* file)
     KivCheck::PublishedMetadata metadata = KivCheck::PublishedMetadata::Decode(reader.MetaData());
     std::printf("summary of %s\n", file);
     Field("management port", std::to_string(reader.Port()));
-    Field("description", Quote(metadata.description));
-    Field("time zone", Quote(metadata.timeZone));
-    Field("computer name", Quote(metadata.computerName));
-    Field("product family", Shown(metadata.productFamily));
-    Field("interfaces", std::to_string(metadata.interfaces.size()));
-    for (const KivCheck::PublishedMetadata::Interface& interface : metadata.interfaces)
-        std::printf("    %s (number %s): MAC %s, IPv4 %s, subnet %s, gateway %s, IPv6 %s\n",
-                    Shown(interface.name).c_str(), interface.number.c_str(), Shown(interface.mac).c_str(),
-                    Shown(interface.ipv4).c_str(), Shown(interface.subnet).c_str(), Shown(interface.gateway).c_str(),
-                    Shown(interface.ipv6).c_str());
-    if (metadata.networkCut) {
-        std::string interface = "interface number " + metadata.cutNumber;
-        if (metadata.cutItem != "Name")
-            interface += " (" + Shown(metadata.cutName) + ")";
-        std::printf("  network list cut short: it stops in %s, right after <%s>\n", interface.c_str(),
-                    metadata.cutItem.c_str());
-        std::printf("    why: the status snapshot has no <%s> element for that interface (missing, not empty);\n"
-                    "    the list ends at the first missing value, so that interface and any after it are not "
-                    "published\n",
-                    SnapshotElement(metadata.cutItem));
-    }
-    Field("outputs", std::to_string(metadata.outputs.size()));
-    for (const KivCheck::PublishedMetadata::Output& output : metadata.outputs)
-        std::printf("    output %s: rows %s, columns %s\n", output.number.c_str(), output.rows.c_str(),
-                    output.columns.c_str());
+    std::fputs(KivCheck::MetadataSummary::Lines(metadata).c_str(), stdout);
     if (!metadata.problem.empty()) {
         std::fprintf(stderr, "%s: metadata not in the publisher's layout at %s\n", file, metadata.problem.c_str());
         return ExitFaults;

@@ -31,3 +31,15 @@ if(TARGET discovery_check_tests)
         KIV_DISCOVERY_CHECK_PROGRAM="$<TARGET_FILE:discovery-check>"
         KIV_PROJECT_VERSION="${PROJECT_VERSION}")
 endif()
+
+if(TARGET discovery-browse)
+    kiv_add_test_suite(discovery_browse_tests tools/discovery-browse LIBRARIES kiv_discovery_browse
+        SOURCES
+            BrowseOptionsTest.cpp
+            DiscoveryBrowseCommandLineTest.cpp
+            FoundUnitsTest.cpp)
+    add_dependencies(discovery_browse_tests discovery-browse)
+    target_compile_definitions(discovery_browse_tests PRIVATE
+        KIV_DISCOVERY_BROWSE_PROGRAM="$<TARGET_FILE:discovery-browse>"
+        KIV_PROJECT_VERSION="${PROJECT_VERSION}")
+endif()
