@@ -27,7 +27,7 @@ class DescriptionTarget
 {
 public:
     /// Reads the description at \p path. On success fills the types, scopes
-    /// and metadata of \p target (hasMetadata true, also for an empty text)
+    /// and metadata of \p target (hasMetadata when the text is not empty)
     /// and \p port, leaving its endpoint address, XAddrs and metadata version
     /// alone (the responder owns those). On failure answers false with the
     /// reader's faults in \p error and changes nothing.

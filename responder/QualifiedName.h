@@ -28,6 +28,11 @@ struct QualifiedName
 bool operator==(const QualifiedName& left, const QualifiedName& right);
 bool operator!=(const QualifiedName& left, const QualifiedName& right);
 
+/// True when \p text can stand as a local name or a prefix: an XML name
+/// without a colon. Checked on ASCII; bytes from 0x80 on count as name
+/// characters.
+bool IsLocalName(const std::string& text);
+
 } // namespace KivWsd
 
 #endif

@@ -42,8 +42,9 @@ public:
 private:
     struct Bucket
     {
-        // Tokens in millionths, so that refills of a fraction add up exactly.
-        std::uint64_t microTokens = 0;
+        // Tokens in billionths: a refill of any number of nanoseconds is a
+        // whole number of them, so frequent calls lose nothing to rounding.
+        std::uint64_t units = 0;
         std::uint64_t lastRefill = 0;
     };
     struct Source
