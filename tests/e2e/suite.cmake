@@ -22,3 +22,19 @@ if(TARGET discoveryd)
     set_tests_properties(DiscoverydLinkTest.NeitherTheDaemonNorThePlatformLibraryNeedsAnAccountLibrary
         PROPERTIES LABELS e2e)
 endif()
+
+# WS-Discovery on a network of namespaces that the tests make: discoveryd
+# and discovery-responder in the unit's, discovery-browse and independent
+# clients in the client's.
+if(TARGET discoveryd AND TARGET discovery-responder AND TARGET discovery-browse)
+    kiv_add_test_suite(wsdiscovery_network_tests e2e LIBRARIES kivwsd
+        SOURCES
+        WsDiscoveryNetworkTest.cpp
+        WsdTestNetwork.cpp)
+    add_dependencies(wsdiscovery_network_tests discoveryd statuscollector discovery-responder discovery-browse)
+    target_compile_definitions(wsdiscovery_network_tests PRIVATE
+        KIV_DISCOVERYD_PROGRAM="$<TARGET_FILE:discoveryd>"
+        KIV_STATUSCOLLECTOR_PROGRAM="$<TARGET_FILE:statuscollector>"
+        KIV_DISCOVERY_RESPONDER_PROGRAM="$<TARGET_FILE:discovery-responder>"
+        KIV_DISCOVERY_BROWSE_PROGRAM="$<TARGET_FILE:discovery-browse>")
+endif()
