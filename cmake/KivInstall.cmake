@@ -6,7 +6,8 @@
 #
 # Every file belongs to one of three install components, so that a unit gets
 # only what runs there (cmake --install BUILD --component NAME):
-#   runtime      discoveryd, discovery-check, libkivplr.so.<major> and the
+#   runtime      discoveryd, discovery-check, discovery-browse,
+#                libkivplr.so.<major> and the
 #                closed libraries (versioned files), the systemd unit, the
 #                man pages of both programs, the licence
 #   collector    the reference statuscollector and its man page: a unit with
