@@ -26,30 +26,19 @@ std::string Lowered(std::string text)
     return text;
 }
 
-int HexValue(char character)
-{
-    if (character >= '0' && character <= '9')
-        return character - '0';
-    if (character >= 'a' && character <= 'f')
-        return character - 'a' + 10;
-    if (character >= 'A' && character <= 'F')
-        return character - 'A' + 10;
-    return -1;
-}
-
 // Percent-decodes \p segment; a malformed escape stays as written.
 std::string Decoded(const std::string& segment)
 {
     std::string out;
     for (std::size_t position = 0; position < segment.size(); ++position) {
-        if (segment[position] == '%' && position + 2 < segment.size()) {
-            int high = HexValue(segment[position + 1]);
-            int low = HexValue(segment[position + 2]);
-            if (high >= 0 && low >= 0) {
-                out += static_cast<char>(high * 16 + low);
-                position += 2;
-                continue;
-            }
+        if (segment[position] == '%' && position + 2 < segment.size() &&
+            std::isxdigit(static_cast<unsigned char>(segment[position + 1])) &&
+            std::isxdigit(static_cast<unsigned char>(segment[position + 2]))) {
+            std::vector<unsigned char> byte;
+            KivPlr::StringAlgorithms::ToPackedU8(segment.substr(position + 1, 2), byte);
+            out += static_cast<char>(byte.at(0));
+            position += 2;
+            continue;
         }
         out += segment[position];
     }

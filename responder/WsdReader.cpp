@@ -127,6 +127,24 @@ std::vector<std::string> Words(const std::string& text)
     return words;
 }
 
+// A received text quoted in an error: one line, and short, since errors go
+// to the log.
+std::string Quoted(const std::string& text)
+{
+    constexpr std::size_t MaximumQuoted = 100;
+    std::string line = text;
+    if (line.size() > MaximumQuoted) {
+        std::size_t cut = MaximumQuoted;
+        while (cut > 0 && (static_cast<unsigned char>(line[cut]) & 0xC0) == 0x80)
+            --cut;
+        line = line.substr(0, cut) + "...";
+    }
+    for (char& character : line)
+        if (IsXmlSpace(character))
+            character = ' ';
+    return "'" + line + "'";
+}
+
 // Decimal digits only, no sign, no white space (already trimmed), no overflow.
 bool ParseUnsigned(const std::string& text, std::uint64_t maximum, std::uint64_t& value)
 {
@@ -509,7 +527,7 @@ bool Reader::ResolveType(const std::string& word, QualifiedName& name)
     std::string prefix = colon == std::string::npos ? std::string() : word.substr(0, colon);
     std::string local = colon == std::string::npos ? word : word.substr(colon + 1);
     if (!IsLocalName(local) || (colon != std::string::npos && !IsLocalName(prefix))) {
-        NotDiscovery("type '" + word + "' is not a qualified name");
+        NotDiscovery("type " + Quoted(word) + " is not a qualified name");
         return false;
     }
     if (prefix == "xml") {
@@ -529,7 +547,7 @@ bool Reader::ResolveType(const std::string& word, QualifiedName& name)
         name = {std::string(), local};
         return true;
     }
-    NotDiscovery("type prefix '" + prefix + "' is not declared");
+    NotDiscovery("type prefix " + Quoted(prefix) + " is not declared");
     return false;
 }
 
@@ -630,7 +648,7 @@ void Reader::CheckComplete()
         return;
     }
     if (action != expected) {
-        NotDiscovery("Action " + action + " does not name the body element " + bodyLocalName);
+        NotDiscovery("Action " + Quoted(action) + " does not name the body element " + bodyLocalName);
         return;
     }
     if (message.messageId.empty()) {

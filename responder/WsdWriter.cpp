@@ -58,6 +58,16 @@ std::string Escaped(const std::string& text)
     return out;
 }
 
+// The namespace of the predeclared prefix xml, and the one no prefix may
+// be bound to.
+const char* const XmlNamespace = "http://www.w3.org/XML/1998/namespace";
+const char* const XmlnsNamespace = "http://www.w3.org/2000/xmlns/";
+
+bool IsWritable(const QualifiedName& type)
+{
+    return IsLocalName(type.localName) && type.namespaceUri != XmlnsNamespace;
+}
+
 // A list entry must not be empty or hold white space, which separates entries.
 bool IsListEntry(const std::string& text)
 {
@@ -73,14 +83,14 @@ public:
     void AddTypeNamespaces(const std::vector<QualifiedName>& types)
     {
         for (const QualifiedName& type : types) {
-            if (type.namespaceUri.empty() || !IsLocalName(type.localName))
+            if (type.namespaceUri.empty() || !IsWritable(type))
                 continue;
             if (std::any_of(prefixes.begin(), prefixes.end(),
                             [&](const std::pair<std::string, std::string>& known) { return known.first == type.namespaceUri; }))
                 continue;
-            std::string prefix = type.namespaceUri == WsdNamespaces::ProjectTypes
-                                     ? std::string(WsdNamespaces::ProjectTypesPrefix)
-                                     : "t" + std::to_string(++generated);
+            std::string prefix = type.namespaceUri == WsdNamespaces::ProjectTypes ? WsdNamespaces::ProjectTypesPrefix
+                                 : type.namespaceUri == XmlNamespace             ? "xml"
+                                                                                 : "t" + std::to_string(++generated);
             prefixes.emplace_back(type.namespaceUri, prefix);
         }
     }
@@ -96,6 +106,9 @@ public:
         out += uris.discovery;
         out += "\"";
         for (const auto& [uri, prefix] : prefixes) {
+            // xml is bound by XML itself and must not be declared.
+            if (prefix == "xml")
+                continue;
             out += " xmlns:" + prefix + "=\"";
             AppendEscaped(out, uri, true);
             out += "\"";
@@ -122,7 +135,7 @@ public:
     {
         std::string list;
         for (const QualifiedName& type : types) {
-            if (!IsLocalName(type.localName))
+            if (!IsWritable(type))
                 continue;
             if (!list.empty())
                 list += ' ';

@@ -276,8 +276,18 @@ TEST(WsdReaderTest, RefusesActionThatDoesNotNameTheBodyElement)
 {
     Outcome outcome = Read(Envelope2005("Resolve", "<d:Probe/>"));
     EXPECT_FALSE(outcome.accepted);
-    EXPECT_EQ(outcome.error, "not a WS-Discovery message: Action http://schemas.xmlsoap.org/ws/2005/04/discovery/"
-                             "Resolve does not name the body element Probe");
+    EXPECT_EQ(outcome.error, "not a WS-Discovery message: Action 'http://schemas.xmlsoap.org/ws/2005/04/discovery/"
+                             "Resolve' does not name the body element Probe");
+}
+
+TEST(WsdReaderTest, QuotesAReceivedTextInAnErrorOnOneShortLine)
+{
+    std::string datagram = Envelope2005("Probe", "<d:Probe/>");
+    datagram.insert(datagram.find("</a:Action>"), "\nx" + std::string(200, 'y'));
+    Outcome outcome = Read(datagram);
+    EXPECT_FALSE(outcome.accepted);
+    EXPECT_EQ(outcome.error.find('\n'), std::string::npos) << outcome.error;
+    EXPECT_LT(outcome.error.size(), 200u) << outcome.error;
 }
 
 TEST(WsdReaderTest, RefusesBodyWithoutADiscoveryMessage)

@@ -233,11 +233,20 @@ TEST_P(WsdWriterRoundTripTest, TextThatXmlCannotCarryReadsBackAsReplacementChara
 TEST_P(WsdWriterRoundTripTest, TypesAndListEntriesThatCannotBeWrittenAreLeftOut)
 {
     TargetService target = SampleTarget();
-    target.types = {{ProjectTypes, "Management"}, {ProjectTypes, "two words"}, {"urn:x", "1digit"}};
+    target.types = {{ProjectTypes, "Management"}, {ProjectTypes, "two words"}, {"urn:x", "1digit"},
+                    {"http://www.w3.org/2000/xmlns/", "Reserved"}};
     target.scopes = {"urn:a", "urn:with space", ""};
     WsdMessage message = ReadBack(WsdWriter::Hello(GetParam(), MessageId, Sequence, target));
     EXPECT_EQ(message.targets.at(0).types, (std::vector<QualifiedName>{{ProjectTypes, "Management"}}));
     EXPECT_EQ(message.targets.at(0).scopes, std::vector<std::string>{"urn:a"});
+}
+
+TEST_P(WsdWriterRoundTripTest, TypeInTheXmlNamespaceUsesThePredeclaredPrefix)
+{
+    std::vector<QualifiedName> types = {{"http://www.w3.org/XML/1998/namespace", "Management"}};
+    std::string datagram = WsdWriter::Probe(GetParam(), MessageId, types, {}, "");
+    EXPECT_NE(datagram.find("<wsd:Types>xml:Management</wsd:Types>"), std::string::npos) << datagram;
+    EXPECT_EQ(ReadBack(datagram).types, types);
 }
 
 TEST(WsdWriterTest, ProbeOf2005IsExactlyTheseBytes)
