@@ -3,6 +3,8 @@
 
 #include <KivClosed/XmlRecordReader.h>
 
+#include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace VpCfg {
@@ -16,40 +18,79 @@ const std::uint32_t DefaultThresholdHigh = 55;
 const std::uint32_t LargestPort = 65535;
 const std::uint32_t LargestNumber = 4294967295u;
 
-/// The text elements with their defaults, in the order of CConfig's text fields.
-struct TextElement
+/// The defaults of CConfig's text fields, in their order.
+const char* const TextDefaults[] = {"", "Europe/Zurich", "trxDefault", "1.0", "nil", "unspecified", "localdomain",
+                                    "TRX"};
+const std::size_t TextCount = sizeof TextDefaults / sizeof TextDefaults[0];
+using RecordTexts = std::array<std::string, TextCount>;
+
+/// The elements of the file; the text elements come first, in the order of
+/// CConfig's text fields.
+enum ConfigurationElement
 {
-    const char* element;
-    const char* defaultValue;
+    Root,
+    FirstText,
+    ThresholdLow = FirstText + TextCount,
+    ThresholdHigh,
+    Services,
+    Service,
+    ElementCount
 };
 
-const TextElement TextElements[] = {
-    {"description", ""},          {"timeZone", "Europe/Zurich"}, {"computerName", "trxDefault"},
-    {"formatVersion", "1.0"},     {"owner", "nil"},              {"siteLocation", "unspecified"},
-    {"domainName", "localdomain"}, {"productPrefix", "TRX"},
+const XmlRecordReader::Element Elements[ElementCount] = {
+    {"configuration", XmlRecordReader::NoParent, XmlRecordReader::Children, 1, 0, false},
+    {"description", Root, XmlRecordReader::Text, 1, 0, false},
+    {"timeZone", Root, XmlRecordReader::Text, 1, 0, false},
+    {"computerName", Root, XmlRecordReader::Text, 1, 0, false},
+    {"formatVersion", Root, XmlRecordReader::Text, 1, 0, false},
+    {"owner", Root, XmlRecordReader::Text, 1, 0, false},
+    {"siteLocation", Root, XmlRecordReader::Text, 1, 0, false},
+    {"domainName", Root, XmlRecordReader::Text, 1, 0, false},
+    {"productPrefix", Root, XmlRecordReader::Text, 1, 0, false},
+    {"thresholdLow", Root, XmlRecordReader::Number, 1, LargestNumber, false},
+    {"thresholdHigh", Root, XmlRecordReader::Number, 1, LargestNumber, false},
+    {"services", Root, XmlRecordReader::Children, 1, 0, false},
+    {"service", Services, XmlRecordReader::Children, CConfig::MaximumServices, 0, false},
 };
 
-template <typename Texts>
-void FillDefaults(Texts& texts)
+void FillDefaults(RecordTexts& texts)
 {
-    for (std::size_t index = 0; index < texts.size(); ++index)
-        texts[index] = TextElements[index].defaultValue;
+    std::copy(TextDefaults, TextDefaults + TextCount, texts.begin());
 }
 
-void ReadServices(XmlRecordReader& reader, pugi::xml_node root, CServiceList& services)
+/// Builds a fresh record while the file is parsed.
+class ConfigurationReader : public XmlRecordReader
 {
-    pugi::xml_node list = reader.SingleChild(root, "services");
-    if (!list)
-        return;
-    for (pugi::xml_node service : reader.RepeatedChildren(list, "service", CConfig::MaximumServices)) {
+public:
+    explicit ConfigurationReader(std::string path)
+        : XmlRecordReader(std::move(path), CConfig::MaximumFileBytes, CConfig::MaximumTextBytes, Elements,
+                          ElementCount)
+    {
+        FillDefaults(texts);
+    }
+
+    RecordTexts texts;
+    std::uint32_t low = DefaultThresholdLow;
+    std::uint32_t high = DefaultThresholdHigh;
+    CServiceList services;
+
+protected:
+    void ElementStarted(int element, const char* const* attributes) override
+    {
+        if (element != Service)
+            return;
         std::uint32_t kind = 0;
         std::uint32_t port = 0;
-        bool kindRead = reader.ReadNumberAttribute(service, "kind", LargestNumber, kind);
-        bool portRead = reader.ReadNumberAttribute(service, "port", LargestPort, port);
+        bool kindRead = ReadNumberAttribute(attributes, "kind", LargestNumber, kind);
+        bool portRead = ReadNumberAttribute(attributes, "port", LargestPort, port);
         if (kindRead && portRead)
             services.Add(CServiceEntry(kind, static_cast<std::uint16_t>(port)));
     }
-}
+
+    void TextRead(int element, std::string& text) override { texts[element - FirstText].swap(text); }
+
+    void NumberRead(int element, std::uint32_t value) override { (element == ThresholdLow ? low : high) = value; }
+};
 
 } // namespace
 
@@ -58,8 +99,7 @@ CConfig::CConfig()
       owner(nullptr), siteLocation(nullptr), domainName(nullptr), thresholdLow(0), thresholdHigh(0),
       productPrefix(nullptr)
 {
-    static_assert(sizeof TextElements / sizeof TextElements[0] == std::tuple_size<Texts>::value,
-                  "one default per text field");
+    static_assert(std::is_same<RecordTexts, Texts>::value, "one default per text field");
     Texts defaults;
     FillDefaults(defaults);
     CServiceList noServices;
@@ -74,32 +114,16 @@ bool CConfig::LoadResources(const char* path)
         errors.assign(1, "no configuration directory given");
         return false;
     }
-    XmlRecordReader reader(std::string(path) + "/configuration.xml", MaximumFileBytes, MaximumTextBytes);
-    Texts newTexts;
-    FillDefaults(newTexts);
-    std::uint32_t low = DefaultThresholdLow;
-    std::uint32_t high = DefaultThresholdHigh;
-    CServiceList services;
-    pugi::xml_node root = reader.Open("configuration");
-    if (root) {
-        for (std::size_t index = 0; index < newTexts.size(); ++index) {
-            pugi::xml_node element = reader.SingleChild(root, TextElements[index].element);
-            if (element)
-                reader.ReadText(element, newTexts[index]);
-        }
-        pugi::xml_node lowElement = reader.SingleChild(root, "thresholdLow");
-        if (lowElement)
-            reader.ReadNumber(lowElement, LargestNumber, low);
-        pugi::xml_node highElement = reader.SingleChild(root, "thresholdHigh");
-        if (highElement)
-            reader.ReadNumber(highElement, LargestNumber, high);
-        ReadServices(reader, root, services);
-    }
-    if (!reader.Succeeded()) {
+    ConfigurationReader reader(std::string(path) + "/configuration.xml");
+    XmlRecordReader::Outcome outcome = reader.Load(lastGoodFile);
+    if (outcome == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;
     }
-    Adopt(newTexts, low, high, services);
+    // An unchanged file is the one the record holds already; entries handed
+    // out before stay the same.
+    if (outcome == XmlRecordReader::Parsed)
+        Adopt(reader.texts, reader.low, reader.high, reader.services);
     errors.clear();
     return true;
 }

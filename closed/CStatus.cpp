@@ -3,7 +3,10 @@
 
 #include <KivClosed/XmlRecordReader.h>
 
+#include <algorithm>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 namespace VpSts {
 
@@ -13,78 +16,114 @@ using KivClosed::XmlRecordReader;
 
 const std::uint32_t LargestNumber = 4294967295u;
 
-/// The text elements with their defaults, in the order of CStatus's text fields.
-struct TextElement
+/// The defaults of CStatus's text fields, in their order.
+const char* const TextDefaults[] = {"2000-01-01T00:00:00", "P0S", "0x0000000000000000"};
+const std::size_t TextCount = sizeof TextDefaults / sizeof TextDefaults[0];
+using RecordTexts = std::array<std::string, TextCount>;
+
+/// The elements of the file; the text elements of status and of
+/// networkDevice each come in the order of their fields.
+enum StatusElement
 {
-    const char* element;
-    const char* defaultValue;
+    Root,
+    FirstText,
+    ModelCode = FirstText + TextCount,
+    NetworkDevices,
+    NetworkDevice,
+    FirstDeviceText,
+    Outputs = FirstDeviceText + CNetworkDevice::TextFieldCount,
+    Output,
+    ElementCount
 };
 
-const TextElement TextElements[] = {
-    {"dateTime", "2000-01-01T00:00:00"},
-    {"upTime", "P0S"},
-    {"identifier", "0x0000000000000000"},
+const XmlRecordReader::Element Elements[ElementCount] = {
+    {"status", XmlRecordReader::NoParent, XmlRecordReader::Children, 1, 0, false},
+    {"dateTime", Root, XmlRecordReader::Text, 1, 0, false},
+    {"upTime", Root, XmlRecordReader::Text, 1, 0, false},
+    {"identifier", Root, XmlRecordReader::Text, 1, 0, false},
+    {"modelCode", Root, XmlRecordReader::Number, 1, LargestNumber, false},
+    {"networkDevices", Root, XmlRecordReader::Children, 1, 0, false},
+    {"networkDevice", NetworkDevices, XmlRecordReader::Children, CStatus::MaximumNetworkDevices, 0, false},
+    {"name", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"mac", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"ipv4", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"ipv6", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"gateway", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"subnet", NetworkDevice, XmlRecordReader::Text, 1, 0, false},
+    {"outputs", Root, XmlRecordReader::Children, 1, 0, false},
+    {"output", Outputs, XmlRecordReader::Children, CStatus::MaximumOutputs, 0, false},
 };
 
-/// The child elements of networkDevice, in the order of CNetworkDevice::TextField.
-const char* const DeviceTextElements[CNetworkDevice::TextFieldCount] = {"name",     "mac",     "ipv4",
-                                                                         "ipv6",     "gateway", "subnet"};
-
-template <typename Texts>
-void FillDefaults(Texts& texts)
+void FillDefaults(RecordTexts& texts)
 {
-    for (std::size_t index = 0; index < texts.size(); ++index)
-        texts[index] = TextElements[index].defaultValue;
+    std::copy(TextDefaults, TextDefaults + TextCount, texts.begin());
 }
 
-void ReadNetworkDevices(XmlRecordReader& reader, pugi::xml_node root, CNetworkDeviceList& devices)
+/// Builds a fresh record while the file is parsed.
+class StatusReader : public XmlRecordReader
 {
-    pugi::xml_node list = reader.SingleChild(root, "networkDevices");
-    if (!list)
-        return;
-    for (pugi::xml_node element :
-         reader.RepeatedChildren(list, "networkDevice", CStatus::MaximumNetworkDevices)) {
-        std::uint32_t number = 0;
-        bool numberRead = reader.ReadNumberAttribute(element, "number", LargestNumber, number);
-        auto device = std::make_unique<CNetworkDevice>(number);
-        for (int field = CNetworkDevice::Name; field < CNetworkDevice::TextFieldCount; ++field) {
-            pugi::xml_node textElement = reader.SingleChild(element, DeviceTextElements[field]);
-            std::string text;
-            if (textElement && reader.ReadText(textElement, text))
-                device->SetText(static_cast<CNetworkDevice::TextField>(field), text);
+public:
+    explicit StatusReader(std::string path)
+        : XmlRecordReader(std::move(path), CStatus::MaximumFileBytes, CStatus::MaximumTextBytes, Elements,
+                          ElementCount)
+    {
+        FillDefaults(texts);
+    }
+
+    RecordTexts texts;
+    std::uint32_t model = CStatus::UnknownModel;
+    CNetworkDeviceList devices;
+    COutputList outputs;
+
+protected:
+    void ElementStarted(int element, const char* const* attributes) override
+    {
+        if (element == NetworkDevice) {
+            std::uint32_t number = 0;
+            deviceNumbered = ReadNumberAttribute(attributes, "number", LargestNumber, number);
+            device = std::make_unique<CNetworkDevice>(number);
+        } else if (element == Output) {
+            std::uint32_t number = 0;
+            std::uint32_t kind = 0;
+            std::uint32_t rows = 0;
+            std::uint32_t columns = 0;
+            // Each attribute is read even after a fault, so that one load
+            // names every fault of the element.
+            bool numberRead = ReadNumberAttribute(attributes, "number", LargestNumber, number);
+            bool kindRead = ReadNumberAttribute(attributes, "kind", LargestNumber, kind);
+            bool rowsRead = ReadNumberAttribute(attributes, "rows", LargestNumber, rows);
+            bool columnsRead = ReadNumberAttribute(attributes, "columns", LargestNumber, columns);
+            if (numberRead && kindRead && rowsRead && columnsRead)
+                outputs.Add(COutput(number, kind, rows, columns));
         }
-        if (numberRead)
+    }
+
+    void TextRead(int element, std::string& text) override
+    {
+        if (element >= FirstDeviceText && element < Outputs)
+            device->SetText(static_cast<CNetworkDevice::TextField>(element - FirstDeviceText), text);
+        else
+            texts[static_cast<std::size_t>(element - FirstText)].swap(text);
+    }
+
+    void NumberRead(int, std::uint32_t value) override { model = value; }
+
+    void ElementEnded(int element) override
+    {
+        if (element == NetworkDevice && deviceNumbered)
             devices.Add(std::move(device));
     }
-}
 
-void ReadOutputs(XmlRecordReader& reader, pugi::xml_node root, COutputList& outputs)
-{
-    pugi::xml_node list = reader.SingleChild(root, "outputs");
-    if (!list)
-        return;
-    for (pugi::xml_node element : reader.RepeatedChildren(list, "output", CStatus::MaximumOutputs)) {
-        std::uint32_t number = 0;
-        std::uint32_t kind = 0;
-        std::uint32_t rows = 0;
-        std::uint32_t columns = 0;
-        // Each attribute is read even after a fault, so that one load names
-        // every fault of the element.
-        bool numberRead = reader.ReadNumberAttribute(element, "number", LargestNumber, number);
-        bool kindRead = reader.ReadNumberAttribute(element, "kind", LargestNumber, kind);
-        bool rowsRead = reader.ReadNumberAttribute(element, "rows", LargestNumber, rows);
-        bool columnsRead = reader.ReadNumberAttribute(element, "columns", LargestNumber, columns);
-        if (numberRead && kindRead && rowsRead && columnsRead)
-            outputs.Add(COutput(number, kind, rows, columns));
-    }
-}
+private:
+    std::unique_ptr<CNetworkDevice> device;
+    bool deviceNumbered = false;
+};
 
 } // namespace
 
 CStatus::CStatus() : modelCode(UnknownModel), dateTime(nullptr), upTime(nullptr), identifier(nullptr)
 {
-    static_assert(sizeof TextElements / sizeof TextElements[0] == std::tuple_size<Texts>::value,
-                  "one default per text field");
+    static_assert(std::is_same<RecordTexts, Texts>::value, "one default per text field");
     Texts defaults;
     FillDefaults(defaults);
     CNetworkDeviceList noDevices;
@@ -100,30 +139,16 @@ bool CStatus::Load(const char* path)
         errors.assign(1, "no status file given");
         return false;
     }
-    XmlRecordReader reader(path, MaximumFileBytes, MaximumTextBytes);
-    Texts newTexts;
-    FillDefaults(newTexts);
-    std::uint32_t model = UnknownModel;
-    CNetworkDeviceList devices;
-    COutputList outputs;
-    pugi::xml_node root = reader.Open("status");
-    if (root) {
-        pugi::xml_node modelElement = reader.SingleChild(root, "modelCode");
-        if (modelElement)
-            reader.ReadNumber(modelElement, LargestNumber, model);
-        ReadNetworkDevices(reader, root, devices);
-        ReadOutputs(reader, root, outputs);
-        for (std::size_t index = 0; index < newTexts.size(); ++index) {
-            pugi::xml_node element = reader.SingleChild(root, TextElements[index].element);
-            if (element)
-                reader.ReadText(element, newTexts[index]);
-        }
-    }
-    if (!reader.Succeeded()) {
+    StatusReader reader(path);
+    XmlRecordReader::Outcome outcome = reader.Load(lastGoodFile);
+    if (outcome == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;
     }
-    Adopt(newTexts, model, devices, outputs);
+    // An unchanged file is the one the record holds already; entries handed
+    // out before stay the same.
+    if (outcome == XmlRecordReader::Parsed)
+        Adopt(reader.texts, reader.model, reader.devices, reader.outputs);
     errors.clear();
     return true;
 }

@@ -94,6 +94,10 @@ private:
 
     Texts texts;
     std::vector<std::string> errors;
+    /// The bytes of the last good file: the same bytes again keep the
+    /// record without a parse. Empty before the first good load (an empty
+    /// file is never good).
+    std::string lastGoodFile;
 };
 
 } // namespace VpSts

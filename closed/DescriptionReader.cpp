@@ -4,6 +4,7 @@
 #include <KivClosed/XmlRecordReader.h>
 
 #include <cstdint>
+#include <utility>
 
 namespace KivDiscoveryClient {
 
@@ -12,18 +13,58 @@ namespace {
 using KivClosed::XmlRecordReader;
 
 const std::uint32_t LargestPort = 65535;
-const std::size_t NoTextLimit = SIZE_MAX;
+const std::size_t NoLimit = SIZE_MAX;
 
-std::vector<std::string> ReadTexts(XmlRecordReader& reader, pugi::xml_node root, const char* element)
+enum DescriptionElement
 {
-    std::vector<std::string> texts;
-    for (pugi::xml_node child : reader.RepeatedChildren(root, element, SIZE_MAX)) {
-        std::string text;
-        if (reader.ReadText(child, text))
-            texts.push_back(text);
+    Root,
+    Type,
+    Scope,
+    Port,
+    MetaData,
+    ElementCount
+};
+
+const XmlRecordReader::Element Elements[ElementCount] = {
+    {"service", XmlRecordReader::NoParent, XmlRecordReader::Children, 1, 0, false},
+    {"type", Root, XmlRecordReader::Text, NoLimit, 0, false},
+    {"scope", Root, XmlRecordReader::Text, NoLimit, 0, false},
+    {"port", Root, XmlRecordReader::Number, 1, LargestPort, true},
+    {"metadata", Root, XmlRecordReader::Text, 1, 0, false},
+};
+
+/// Collects a fresh description while the file is parsed.
+class DescriptionFileReader : public XmlRecordReader
+{
+public:
+    explicit DescriptionFileReader(const char* path)
+        : XmlRecordReader(path, DescriptionReader::MaximumFileBytes, NoLimit, Elements, ElementCount)
+    {
     }
-    return texts;
-}
+
+    std::string name;
+    std::vector<std::string> types;
+    std::vector<std::string> scopes;
+    std::uint32_t port = 0;
+    std::string metaData;
+
+protected:
+    void ElementStarted(int element, const char* const* attributes) override
+    {
+        if (element == Root)
+            ReadTextAttribute(attributes, "name", name);
+    }
+
+    void TextRead(int element, std::string& text) override
+    {
+        if (element == MetaData)
+            metaData.swap(text);
+        else
+            (element == Type ? types : scopes).push_back(std::move(text));
+    }
+
+    void NumberRead(int, std::uint32_t value) override { port = value; }
+};
 
 } // namespace
 
@@ -37,35 +78,18 @@ bool DescriptionReader::Load(const char* path)
         errors.assign(1, "no description file given");
         return false;
     }
-    XmlRecordReader reader(path, MaximumFileBytes, NoTextLimit);
-    std::string newName;
-    std::vector<std::string> newTypes;
-    std::vector<std::string> newScopes;
-    std::uint32_t newPort = 0;
-    std::string newMetaData;
-    pugi::xml_node root = reader.Open("service");
-    if (root) {
-        reader.ReadTextAttribute(root, "name", newName);
-        newTypes = ReadTexts(reader, root, "type");
-        newScopes = ReadTexts(reader, root, "scope");
-        pugi::xml_node portElement = reader.SingleChild(root, "port");
-        if (portElement)
-            reader.ReadNumber(portElement, LargestPort, newPort);
-        else
-            reader.Fail(root, "element port of service is missing");
-        pugi::xml_node metaDataElement = reader.SingleChild(root, "metadata");
-        if (metaDataElement)
-            reader.ReadText(metaDataElement, newMetaData);
-    }
-    if (!reader.Succeeded()) {
+    DescriptionFileReader reader(path);
+    // Descriptions are read once each; no earlier file to compare with.
+    std::string noEarlierFile;
+    if (reader.Load(noEarlierFile) == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;
     }
-    name.swap(newName);
-    types.swap(newTypes);
-    scopes.swap(newScopes);
-    port = static_cast<std::uint16_t>(newPort);
-    metaData.swap(newMetaData);
+    name.swap(reader.name);
+    types.swap(reader.types);
+    scopes.swap(reader.scopes);
+    port = static_cast<std::uint16_t>(reader.port);
+    metaData.swap(reader.metaData);
     errors.clear();
     return true;
 }

@@ -2,9 +2,9 @@
 // XmlCharacters.h - which bytes may stand in an XML 1.0 document that is
 // encoded in UTF-8.
 //
-// Shared by the configuration and status loaders (which check a whole file
-// before pugixml sees it, since pugixml accepts any byte) and by the
-// description writer (which refuses a text that no XML file can carry).
+// Used by the description writer (which refuses a text that no XML file can
+// carry) and by the XML record reader (which names the first such character
+// of a file that libexpat refused, wherever the parser stopped).
 // Stateless; any thread may use it.
 //
 // Example:

@@ -153,6 +153,32 @@ TEST_F(CConfigTest, BadFileKeepsTheRecordWhole)
     EXPECT_FALSE(config.ErrorMessages().empty());
 }
 
+TEST_F(CConfigTest, ByteIdenticalFileKeepsRecordWithoutReparsing)
+{
+    ASSERT_TRUE(Load(FullFile));
+    const VpCfg::CServiceEntry* first = config.serviceList[0u];
+    const char* computerName = config.computerName;
+    // A parse would build new entries and texts; the same bytes keep them,
+    // also right after a failed load, whose messages go.
+    for (const std::string& before : {FullFile, Configuration("<owner>&bad;</owner>")}) {
+        Load(before);
+        EXPECT_TRUE(Load(FullFile));
+        EXPECT_TRUE(config.ErrorMessages().empty());
+        EXPECT_EQ(config.serviceList[0u], first);
+        EXPECT_EQ(config.computerName, computerName);
+    }
+}
+
+TEST_F(CConfigTest, ChangedFileOfEqualSizeIsParsed)
+{
+    ASSERT_TRUE(Load(FullFile));
+    std::string changed = FullFile;
+    changed.replace(changed.find("unit-1"), 6, "unit-2");
+    ASSERT_EQ(changed.size(), FullFile.size());
+    EXPECT_TRUE(Load(changed));
+    EXPECT_STREQ(config.computerName, "unit-2");
+}
+
 TEST_F(CConfigTest, BadFileBeforeAnyGoodOneKeepsTheDefaults)
 {
     EXPECT_FALSE(Load(Configuration("<computerName>x</computerName><thresholdLow>-1</thresholdLow>")));
@@ -435,6 +461,23 @@ TEST_F(CConfigTest, DeclarationOfAnotherEncodingOrVersionFails)
     EXPECT_FALSE(Load("<?xml version=\"1.1\"?><configuration/>"));
     EXPECT_EQ(OnlyFault(), "1:1: XML version \"1.1\" is not supported; the file must be XML 1.0");
     EXPECT_TRUE(Load("<?xml version=\"1.0\" encoding=\"utf-8\"?><configuration/>")) << config.ErrorMessage();
+}
+
+TEST_F(CConfigTest, DocumentTypeWithEntitiesIsRefusedBeforeAnyEntityIsExpanded)
+{
+    std::string laughs = "<!DOCTYPE configuration [\n<!ENTITY a \"aaaaaaaaaa\">\n";
+    for (char entity = 'b'; entity <= 'j'; ++entity) {
+        std::string previous(1, static_cast<char>(entity - 1));
+        laughs += std::string("<!ENTITY ") + entity + " \"";
+        for (int copy = 0; copy < 10; ++copy)
+            laughs += "&" + previous + ";";
+        laughs += "\">\n";
+    }
+    laughs += "]>\n<configuration><owner>&j;</owner></configuration>\n";
+    EXPECT_FALSE(Load(laughs));
+    EXPECT_EQ(OnlyFault(), "1:1: document type declarations are not supported");
+    EXPECT_FALSE(Load("<!-- c -->\n<!DOCTYPE configuration SYSTEM \"/etc/passwd\"><configuration/>"));
+    EXPECT_EQ(OnlyFault(), "2:1: document type declarations are not supported");
 }
 
 TEST_F(CConfigTest, WrongRootFails)

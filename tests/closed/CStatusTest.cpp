@@ -206,6 +206,46 @@ TEST_F(CStatusTest, BadFileKeepsTheRecordWholeWithItsEntries)
     EXPECT_STREQ(status.upTime, "P1D");
 }
 
+TEST_F(CStatusTest, ByteIdenticalFileKeepsRecordWithoutReparsing)
+{
+    ASSERT_TRUE(Load(Example));
+    const CNetworkDevice* device = status.networkDeviceList[0u];
+    const COutput* output = status.outputList[0u];
+    const char* dateTime = status.dateTime;
+    // A parse would build new entries and texts; the same bytes keep them,
+    // also right after a failed load, whose messages go.
+    for (const std::string& before : {Example, Status("<modelCode>x</modelCode>")}) {
+        Load(before);
+        EXPECT_TRUE(Load(Example));
+        EXPECT_TRUE(status.ErrorMessages().empty());
+        EXPECT_EQ(status.networkDeviceList[0u], device);
+        EXPECT_EQ(status.outputList[0u], output);
+        EXPECT_EQ(status.dateTime, dateTime);
+    }
+}
+
+TEST_F(CStatusTest, ChangedFileOfEqualSizeIsParsed)
+{
+    ASSERT_TRUE(Load(Example));
+    const CNetworkDevice* device = status.networkDeviceList[0u];
+    std::string changed = Example;
+    changed.replace(changed.find("eth0"), 4, "eth1");
+    ASSERT_EQ(changed.size(), Example.size());
+    EXPECT_TRUE(Load(changed));
+    ASSERT_NE(status.networkDeviceList[0u], nullptr);
+    EXPECT_NE(status.networkDeviceList[0u], device);
+    EXPECT_STREQ(status.networkDeviceList[0u]->name, "eth1");
+}
+
+TEST_F(CStatusTest, ByteIdenticalCopyOfABadFileStillFails)
+{
+    std::string bad = Status("<modelCode>x</modelCode>");
+    EXPECT_FALSE(Load(bad));
+    EXPECT_FALSE(Load(bad));
+    EXPECT_EQ(OnlyFault(), "3:1: element modelCode: \"x\" is not an unsigned decimal number");
+    ExpectDefaults();
+}
+
 TEST_F(CStatusTest, BadFileBeforeAnyGoodOneKeepsTheDefaults)
 {
     EXPECT_FALSE(Load(Status("<modelCode>1</modelCode><modelCode>2</modelCode>")));
