@@ -522,6 +522,28 @@ protected:
         return counted;
     }
 
+    /// The counter \p name of the \p protocol line ("Udp", "Icmp") of
+    /// /proc/net/snmp inside \p space; -1 when it cannot be read.
+    long SnmpCounter(const std::string& space, const std::string& protocol, const std::string& name)
+    {
+        ChildOutcome snmp = network.Run(space, "cat /proc/net/snmp");
+        std::istringstream lines(snmp.standardOutput);
+        std::string names;
+        std::string values;
+        while (std::getline(lines, names) && std::getline(lines, values)) {
+            if (names.rfind(protocol + ": ", 0) != 0)
+                continue;
+            std::istringstream nameWords(names);
+            std::istringstream valueWords(values);
+            std::string word;
+            std::string value;
+            while (nameWords >> word && valueWords >> value)
+                if (word == name)
+                    return std::atol(value.c_str());
+        }
+        return -1;
+    }
+
     KivTest::TemporaryDirectory work;
     WsdTestNetwork network;
     UnitUnderTest unit{network.Unit(), work.Path()};
@@ -656,26 +678,22 @@ TEST_F(WsDiscoveryNetworkTest, UnicastProbeFromOffTheSubnetGetsNoAnswerThoughItA
     EXPECT_EQ(onLink.answers, 1u);
 
     // From "far", routed through the client (so with a TTL above 1), the
-    // probe reaches the unit's socket, and the unit stays silent.
-    auto delivered = [&] {
-        ChildOutcome snmp = network.Run(network.Unit(), "cat /proc/net/snmp");
-        std::istringstream lines(snmp.standardOutput);
-        std::string names;
-        std::string values;
-        while (std::getline(lines, names) && std::getline(lines, values))
-            if (names.rfind("Udp: InDatagrams", 0) == 0)
-                return std::atol(values.c_str() + 5);
-        return -1L;
-    };
-    long deliveredBefore = delivered();
+    // probes reach the unit's socket, and the unit sends nothing back. Its
+    // answers, sent with TTL 1, could not even pass the router, so the unit's
+    // own count of UDP datagrams sent is what shows that it stayed silent.
+    long deliveredBefore = SnmpCounter(network.Unit(), "Udp", "InDatagrams");
+    long sentBefore = SnmpCounter(network.Unit(), "Udp", "OutDatagrams");
     Counted offLink = Send(network.Far(),
                            {Probe(WsdVersion::Discovery2005, NumberedId(2)),
                             Probe(WsdVersion::Discovery2009, NumberedId(3))},
                            64, 0, 2000);
-    long deliveredAfter = delivered();
+    long deliveredAfter = SnmpCounter(network.Unit(), "Udp", "InDatagrams");
+    long sentAfter = SnmpCounter(network.Unit(), "Udp", "OutDatagrams");
     EXPECT_EQ(offLink.answers, 0u);
     ASSERT_GE(deliveredBefore, 0);
+    ASSERT_GE(sentBefore, 0);
     EXPECT_GE(deliveredAfter - deliveredBefore, 2) << "the probes from far did not reach the unit";
+    EXPECT_EQ(sentAfter, sentBefore) << "the unit answered a probe from off its subnet";
 }
 
 TEST_F(WsDiscoveryNetworkTest, FloodOfProbesGetsAtMostTheConfiguredAnswersAndMemoryStaysFlat)
