@@ -211,7 +211,7 @@ void InterfaceTable::RestrictTo(const std::vector<std::string>& names)
 
 bool InterfaceTable::IsAllowed(const Interface& interface) const
 {
-    return allowedNames.empty() || allowedNames.count(interface.name) != 0;
+    return allowedNames.empty() || interface.loopback || allowedNames.count(interface.name) != 0;
 }
 
 bool InterfaceTable::IsServed(const Interface& interface) const

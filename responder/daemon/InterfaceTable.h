@@ -70,8 +70,8 @@ public:
     void RestrictTo(const std::vector<std::string>& names);
     /// Up, multicast-capable, not loopback, and allowed by RestrictTo.
     bool IsServed(const Interface& interface) const;
-    /// True when RestrictTo allows the interface's name (also for loopback,
-    /// which receives the unicast datagrams that the machine sends itself).
+    /// True when RestrictTo allows the interface's name, and always for
+    /// loopback, through which the machine's own clients reach the responder.
     bool IsAllowed(const Interface& interface) const;
 
     /// The interface of \p index, or null.
