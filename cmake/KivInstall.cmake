@@ -6,10 +6,10 @@
 #
 # Every file belongs to one of three install components, so that a unit gets
 # only what runs there (cmake --install BUILD --component NAME):
-#   runtime      discoveryd, discovery-check, discovery-browse,
-#                libkivplr.so.<major> and the
-#                closed libraries (versioned files), the systemd unit, the
-#                man pages of both programs, the licence
+#   runtime      discoveryd, discovery-responder, discovery-check,
+#                discovery-browse, libkivplr.so.<major> and the closed
+#                libraries (versioned files), the systemd units, the man
+#                pages of these programs, the licence
 #   collector    the reference statuscollector and its man page: a unit with
 #                the device's own collector leaves it out
 #   development  headers, the CMake package, kivplr.pc, libkivplr.so
