@@ -496,6 +496,11 @@ void XmlRecordReader::RecordParseFault(int code)
 {
     std::size_t offset = EventOffset();
     std::string description = DescribeParseFault(code, offset);
+    StopAtParseFault(offset, description);
+}
+
+void XmlRecordReader::StopAtParseFault(std::size_t offset, std::string description)
+{
     // A character that XML does not allow anywhere in the file is named
     // first, wherever the parser stopped: it is the fault a user must fix
     // before any other makes sense.
@@ -575,15 +580,9 @@ void XmlRecordReader::OnDeclaration(void* self, const char* version, const char*
 void XmlRecordReader::OnDocumentType(void* self, const char*, const char*, const char*, int)
 {
     XmlRecordReader& reader = *static_cast<XmlRecordReader*>(self);
-    std::size_t offset = reader.MiscellanyEnd(reader.PrologStart(), reader.content.size());
-    std::string fault = "document type declarations are not supported";
-    std::size_t characterOffset = 0;
-    std::string characterFault;
-    if (!XmlCharacters::Check(reader.content.data(), reader.content.size(), characterOffset, characterFault)) {
-        offset = characterOffset;
-        fault = characterFault;
-    }
-    reader.StopWith(offset, fault);
+    // expat calls when the name has been read; the message points at "<!".
+    reader.StopAtParseFault(reader.MiscellanyEnd(reader.PrologStart(), reader.content.size()),
+                            "document type declarations are not supported");
     XML_StopParser(ParserOf(reader.parser), XML_FALSE);
 }
 

@@ -167,6 +167,7 @@ private:
     std::size_t EventOffset() const;
     void StopWith(std::size_t offset, const std::string& description);
     void RecordParseFault(int code);
+    void StopAtParseFault(std::size_t offset, std::string description);
     std::string DescribeParseFault(int code, std::size_t& offset) const;
     std::size_t PrologStart() const;
     std::size_t MiscellanyEnd(std::size_t from, std::size_t limit) const;
