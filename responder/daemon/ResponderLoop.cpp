@@ -239,7 +239,10 @@ void ResponderLoop::Serve()
         if (ready <= 0)
             continue;
         now = Now();
-        if ((waiting[0].revents & POLLIN) != 0) {
+        // Any event counts as readable: an error (a netlink socket whose
+        // buffer overran) is read, and so cleared, by the reader, where a
+        // poll for POLLIN alone would wake at once again and again.
+        if (waiting[0].revents != 0) {
             signalfd_siginfo information;
             bool stop = false;
             bool rescan = false;
@@ -254,9 +257,9 @@ void ResponderLoop::Serve()
             if (rescan)
                 responder->Rescan(options.DescriptionsDirectory(), now);
         }
-        if ((waiting[1].revents & POLLIN) != 0 && monitor.ReadNotifications(table))
+        if (waiting[1].revents != 0 && monitor.ReadNotifications(table))
             SyncMemberships(now);
-        if ((waiting[2].revents & POLLIN) != 0) {
+        if (waiting[2].revents != 0) {
             std::set<std::string> names;
             bool rescan = false;
             watcher.ReadEvents(names, rescan);
@@ -266,9 +269,9 @@ void ResponderLoop::Serve()
                 for (const std::string& name : names)
                     responder->Refresh(options.DescriptionsDirectory(), name, now);
         }
-        if ((waiting[3].revents & POLLIN) != 0)
+        if (waiting[3].revents != 0)
             ReceiveFrom(socketV4, now);
-        if ((waiting[4].revents & POLLIN) != 0)
+        if (waiting[4].revents != 0)
             ReceiveFrom(socketV6, now);
     }
 }
