@@ -53,3 +53,12 @@ TEST(DiscoveryBrowseCommandLineTest, WrongCommandLineExitsWithTwoAndSaysWhyBefor
               0u)
         << outcome.standardError;
 }
+
+TEST(DiscoveryBrowseCommandLineTest, AnInterfaceThatIsNotThereEndsWithOneAndSendsNothing)
+{
+    ChildOutcome outcome = RunBrowse("--interface kivnosuch0 --timeout 0.1");
+    EXPECT_EQ(outcome.exitStatus, 1) << KivTest::Describe(outcome);
+    EXPECT_EQ(outcome.standardOutput, "");
+    EXPECT_EQ(outcome.standardError,
+              "discovery-browse: interface kivnosuch0 is not up, not multicast-capable or has no address\n");
+}
