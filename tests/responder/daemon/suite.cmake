@@ -8,6 +8,8 @@ kiv_add_test_suite(discovery_responder_tests responder/daemon LIBRARIES discover
         DescriptionWatcherTest.cpp
         InterfaceTableTest.cpp
         IpAddressTest.cpp
+        LinuxDiscoverySocketTest.cpp
+        LinuxInterfaceMonitorTest.cpp
         ResponderCommandLineTest.cpp
         ResponderOptionsTest.cpp
         ResponderStateTest.cpp
