@@ -51,7 +51,9 @@ public:
     /// makes up the whole record (absent elements at their defaults); answers
     /// false and leaves every field as it was when the file is missing,
     /// unreadable or wrong in any way, with the reasons in ErrorMessages().
-    /// A null \p path fails the same way.
+    /// A null \p path fails the same way. A file that is byte for byte the
+    /// one of the last good load is not parsed again: true, and the record
+    /// and the pointers it handed out stay as they are.
     bool LoadResources(const char* path);
 
     /// The faults of the last load, one message each ("<file>:<line>:<column>:

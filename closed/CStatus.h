@@ -55,6 +55,8 @@ public:
     /// (absent elements at their defaults); answers false and leaves every
     /// field as it was when the file is missing, unreadable or wrong in any
     /// way, with the reasons in ErrorMessages(). A null \p path fails too.
+    /// A file that is byte for byte the one of the last good load is not
+    /// parsed again: true, and the record and its entries stay as they are.
     bool Load(const char* path);
 
     /// The faults of the last load, one message each ("<file>:<line>:<column>:
