@@ -444,6 +444,10 @@ std::string XmlRecordReader::DescribeParseFault(int code, std::size_t& offset) c
     case XML_ERROR_NO_ELEMENTS:
         if (!rootSeen)
             return "malformed XML: no document element found";
+        // An element left open at the end: reported at the last byte, as
+        // before libexpat.
+        if (offset > 0 && offset == content.size())
+            --offset;
         return "malformed XML: start-end tags mismatch";
     case XML_ERROR_DUPLICATE_ATTRIBUTE: {
         // expat points at the second attribute of the name; the fault is
@@ -458,11 +462,11 @@ std::string XmlRecordReader::DescribeParseFault(int code, std::size_t& offset) c
     default:
         break;
     }
-    if (code == XML_ERROR_JUNK_AFTER_DOC_ELEMENT || (rootSeen && depth == 0)) {
-        // expat points into the stray token; the message at its start.
-        std::size_t item = MiscellanyEnd(rootEnd, offset);
-        if (item < offset)
-            offset = item;
+    std::size_t stray = rootSeen && depth == 0 ? MiscellanyEnd(rootEnd, offset) : std::string::npos;
+    if (stray <= offset) {
+        // expat points into the stray token; the message at its start. (A
+        // fault inside a comment or processing instruction is not one.)
+        offset = stray;
         if (StartsWith(content, offset, "<![CDATA["))
             return "CDATA section outside the root element";
         if (StartsWith(content, offset, "<") && !StartsWith(content, offset, "<!") &&
