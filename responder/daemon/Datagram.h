@@ -11,7 +11,7 @@
 //   datagram.sourcePort = 51000;
 //   datagram.destination = IpAddress::FromText("239.255.255.250");
 //   datagram.interfaceIndex = 2;
-//   datagram.data = probeText;
+//   datagram.data = "<?xml version=\"1.0\"?>...";   // the bytes received
 #ifndef KIV_RESPONDER_DATAGRAM_H
 #define KIV_RESPONDER_DATAGRAM_H
 

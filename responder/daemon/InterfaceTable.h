@@ -8,6 +8,7 @@
 // InterfaceMonitor reads; tests feed it messages they build. One thread.
 //
 // Example:
+//   #include <net/if.h>
 //   InterfaceTable table;
 //   table.SetLink(2, "eth0", IFF_UP | IFF_MULTICAST);
 //   table.AddAddress(2, {IpAddress::FromText("192.0.2.2"), 24});

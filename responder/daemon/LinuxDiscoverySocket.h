@@ -13,7 +13,7 @@
 //   if (!socket.Open(3702, error)) { /* "cannot bind UDP port 3702 (IPv4): Address already in use" */ }
 //   socket.Join(2, error);
 //   Datagram datagram;
-//   if (socket.Receive(datagram) == LinuxDiscoverySocket::Received::Datagram) { /* handle it */ }
+//   if (socket.Receive(datagram, 4096) == LinuxDiscoverySocket::Received::Datagram) { /* handle it */ }
 #ifndef KIV_RESPONDER_LINUXDISCOVERYSOCKET_H
 #define KIV_RESPONDER_LINUXDISCOVERYSOCKET_H
 

@@ -9,12 +9,16 @@
 // IDatagramSender, what it reports to a log function. One thread.
 //
 // Example:
-//   Responder responder(state, table, sender, [](std::uint32_t, const std::string& line) { std::puts(line.c_str()); },
-//                       std::random_device{}());
-//   responder.Rescan("/var/lib/discovery", now);          // Hello for each, after a random delay
-//   responder.HandleDatagram(datagram, now);              // a probe: answer scheduled
-//   responder.SendDue(now + Responder::MaximumDelayNanoseconds);
-//   responder.ByeAll();                                   // on SIGTERM
+//   #include <cstdio>
+//   auto serve = [](ResponderState& state, const InterfaceTable& table, IDatagramSender& sender,
+//                   const Datagram& datagram, std::uint64_t now) {
+//       Responder responder(state, table, sender,
+//                           [](std::uint32_t, const std::string& line) { std::puts(line.c_str()); }, 7);
+//       responder.Rescan("/var/lib/discovery", now, true);   // Hello for each, after a random delay
+//       responder.HandleDatagram(datagram, now);              // a probe: answer scheduled
+//       responder.SendDue(now + Responder::MaximumDelayNanoseconds);
+//       responder.ByeAll();                                   // on SIGTERM
+//   };
 #ifndef KIV_RESPONDER_RESPONDER_H
 #define KIV_RESPONDER_RESPONDER_H
 

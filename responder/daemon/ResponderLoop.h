@@ -8,10 +8,12 @@
 // descriptions directory again. One thread.
 //
 // Example:
-//   ResponderOptions options;
-//   options.Parse(argc, argv);
-//   ResponderLoop loop(options);
-//   return loop.Run();   // 0 after a signal, 1 when it cannot start
+//   auto run = [](int argc, const char* const* argv) {   // main()
+//       ResponderOptions options;
+//       options.Parse(argc, argv);
+//       ResponderLoop loop(options);
+//       return loop.Run();   // 0 after a signal, 1 when it cannot start
+//   };
 #ifndef KIV_RESPONDER_RESPONDERLOOP_H
 #define KIV_RESPONDER_RESPONDERLOOP_H
 

@@ -9,11 +9,15 @@
 // main() from argv; a plain value used by one thread.
 //
 // Example:
-//   ResponderOptions options;
-//   if (!options.Parse(argc, argv)) {
-//       std::fprintf(stderr, "discovery-responder: %s\n%s\n", options.Problem().c_str(), ResponderOptions::Usage);
-//       return ResponderOptions::UsageExitStatus;
-//   }
+//   #include <cstdio>
+//   auto start = [](int argc, const char* const* argv) {   // main()'s first steps
+//       ResponderOptions options;
+//       if (!options.Parse(argc, argv)) {
+//           std::fprintf(stderr, "discovery-responder: %s\n%s\n", options.Problem().c_str(), ResponderOptions::Usage);
+//           return ResponderOptions::UsageExitStatus;
+//       }
+//       return 0;   // run with options
+//   };
 #ifndef KIV_RESPONDER_RESPONDEROPTIONS_H
 #define KIV_RESPONDER_RESPONDEROPTIONS_H
 

@@ -13,6 +13,7 @@
 //   state.Load(warnings);                       // missing file: a fresh state
 //   std::string error;
 //   if (!state.Start(error)) { /* cannot start: error says why */ }
+//   std::string fingerprint = Responder::Fingerprint(KivWsd::TargetService(), 8080);
 //   bool changed = false;
 //   const ResponderState::Entry& entry = state.Record("Management", fingerprint, changed);
 //   if (changed && !state.Save(error)) { /* log it */ }
