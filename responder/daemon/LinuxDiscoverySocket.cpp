@@ -184,7 +184,8 @@ bool LinuxDiscoverySocket::Send(const IpAddress& destination, std::uint16_t port
     message.msg_iov = &part;
     message.msg_iovlen = 1;
     message.msg_control = control;
-    cmsghdr* item = reinterpret_cast<cmsghdr*>(control);
+    message.msg_controllen = sizeof control;
+    cmsghdr* item = CMSG_FIRSTHDR(&message);
     if (family == IpAddress::Family::V4 && destination.GetFamily() == IpAddress::Family::V4) {
         auto* v4 = reinterpret_cast<sockaddr_in*>(&target);
         v4->sin_family = AF_INET;
