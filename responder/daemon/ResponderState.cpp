@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <dirent.h>
 #include <exception>
 #include <fcntl.h>
 #include <sstream>
@@ -237,6 +238,16 @@ void ResponderState::ReadEntry(const std::string& rest, const std::string& where
 
 bool ResponderState::Start(std::string& error)
 {
+    // Temporaries of a run that died between creating and renaming one.
+    if (DIR* listing = ::opendir(directory.c_str())) {
+        static const std::string prefix = ".state.";
+        while (dirent* entry = ::readdir(listing)) {
+            std::string name = entry->d_name;
+            if (name.size() == prefix.size() + 6 && name.compare(0, prefix.size(), prefix) == 0)
+                ::unlinkat(::dirfd(listing), name.c_str(), 0);
+        }
+        ::closedir(listing);
+    }
     ++instanceId;
     return Save(error);
 }

@@ -67,7 +67,9 @@ public:
     void Load(std::vector<std::string>& warnings);
 
     /// Counts this start (the instance number rises by one) and saves. False
-    /// with \p error when the file cannot be written.
+    /// with \p error when the file cannot be written. Temporary files that
+    /// an earlier run left when it died in the middle of a save
+    /// (".state.XXXXXX") are removed first: one daemon owns the directory.
     bool Start(std::string& error);
     std::uint64_t InstanceId() const { return instanceId; }
 

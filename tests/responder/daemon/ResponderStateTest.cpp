@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 #include <dirent.h>
 #include <string>
@@ -168,6 +169,19 @@ TEST(ResponderStateTest, SaveReplacesTheFileAndLeavesNoTemporaryBehind)
     ASSERT_TRUE(state.Start(error));
     EXPECT_EQ(Entries(directory.Path()), std::vector<std::string>{"state"});
     EXPECT_NE(ReadFile(directory.Path() + "/state").find("\ninstance 2\n"), std::string::npos);
+}
+
+TEST(ResponderStateTest, StartRemovesTemporariesOfADeadRunAndNothingElse)
+{
+    TemporaryDirectory directory;
+    ASSERT_TRUE(WriteFile(directory.Path() + "/.state.a1B2c3", "instance 9\n"));
+    ASSERT_TRUE(WriteFile(directory.Path() + "/.state.keep", "x"));
+    ResponderState state = LoadedState(directory.Path());
+    std::string error;
+    ASSERT_TRUE(state.Start(error)) << error;
+    std::vector<std::string> entries = Entries(directory.Path());
+    std::sort(entries.begin(), entries.end());
+    EXPECT_EQ(entries, (std::vector<std::string>{".state.keep", "state"}));
 }
 
 TEST(ResponderStateTest, SaveIntoAMissingDirectoryFailsWithTheReason)
