@@ -97,7 +97,7 @@ protected:
 CConfig::CConfig()
     : descriptionText(nullptr), timeZoneName(nullptr), computerName(nullptr), formatVersion(nullptr),
       owner(nullptr), siteLocation(nullptr), domainName(nullptr), thresholdLow(0), thresholdHigh(0),
-      productPrefix(nullptr)
+      productPrefix(nullptr), lastGoodFile(new KivClosed::LastGoodFile)
 {
     static_assert(std::is_same<RecordTexts, Texts>::value, "one default per text field");
     Texts defaults;
@@ -115,7 +115,7 @@ bool CConfig::LoadResources(const char* path)
         return false;
     }
     ConfigurationReader reader(std::string(path) + "/configuration.xml");
-    XmlRecordReader::Outcome outcome = reader.Load(lastGoodFile);
+    XmlRecordReader::Outcome outcome = reader.Load(*lastGoodFile);
     if (outcome == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;

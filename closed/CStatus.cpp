@@ -121,7 +121,9 @@ private:
 
 } // namespace
 
-CStatus::CStatus() : modelCode(UnknownModel), dateTime(nullptr), upTime(nullptr), identifier(nullptr)
+CStatus::CStatus()
+    : modelCode(UnknownModel), dateTime(nullptr), upTime(nullptr), identifier(nullptr),
+      lastGoodFile(new KivClosed::LastGoodFile)
 {
     static_assert(std::is_same<RecordTexts, Texts>::value, "one default per text field");
     Texts defaults;
@@ -140,7 +142,7 @@ bool CStatus::Load(const char* path)
         return false;
     }
     StatusReader reader(path);
-    XmlRecordReader::Outcome outcome = reader.Load(lastGoodFile);
+    XmlRecordReader::Outcome outcome = reader.Load(*lastGoodFile);
     if (outcome == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;

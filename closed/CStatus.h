@@ -21,8 +21,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
+
+namespace KivClosed {
+class LastGoodFile;
+}
 
 namespace VpSts {
 
@@ -96,10 +101,9 @@ private:
 
     Texts texts;
     std::vector<std::string> errors;
-    /// The bytes of the last good file: the same bytes again keep the
-    /// record without a parse. Empty before the first good load (an empty
-    /// file is never good).
-    std::string lastGoodFile;
+    /// The bytes and stamps of the last good file: the same bytes again
+    /// keep the record without a parse. Nothing before the first good load.
+    std::unique_ptr<KivClosed::LastGoodFile> lastGoodFile;
 };
 
 } // namespace VpSts

@@ -80,7 +80,7 @@ bool DescriptionReader::Load(const char* path)
     }
     DescriptionFileReader reader(path);
     // Descriptions are read once each; no earlier file to compare with.
-    std::string noEarlierFile;
+    KivClosed::LastGoodFile noEarlierFile;
     if (reader.Load(noEarlierFile) == XmlRecordReader::Failed) {
         errors = reader.Errors();
         return false;

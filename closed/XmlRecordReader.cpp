@@ -7,9 +7,11 @@
 #include <expat.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -19,6 +21,9 @@ namespace KivClosed {
 namespace {
 
 const std::size_t MaximumMessages = 100;
+
+/// Files opened for reading by every reader of the process, for FilesOpened.
+std::atomic<std::uint64_t> FilesRead{0};
 const std::size_t LongestQuotedValue = 40;
 
 /// Unsigned decimal digits only, no larger than \p maximum. On failure
@@ -305,16 +310,18 @@ std::string XmlRecordReader::Join(const std::vector<std::string>& messages)
     return joined;
 }
 
-bool XmlRecordReader::ReadFile()
+bool XmlRecordReader::ReadFile(struct stat& status, struct timespec& statedAt)
 {
     int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (descriptor < 0) {
         Record(0, "cannot open " + path + ": " + std::strerror(errno));
         return false;
     }
-    struct stat status;
+    FilesRead.fetch_add(1, std::memory_order_relaxed);
     bool readable = true;
-    if (fstat(descriptor, &status) != 0) {
+    int stated = fstat(descriptor, &status);
+    clock_gettime(CLOCK_REALTIME, &statedAt);
+    if (stated != 0) {
         Record(0, "cannot open " + path + ": " + std::strerror(errno));
         readable = false;
     } else if (!S_ISREG(status.st_mode)) {
@@ -339,10 +346,13 @@ bool XmlRecordReader::ReadFile()
         if (count < 0) {
             Record(0, "cannot read " + path + ": " + std::strerror(errno));
             readable = false;
-        } else if (count == 0) {
-            break;
         } else {
+            // A regular file reads short only at its end: the first read,
+            // one byte larger than the file, normally ends the loop.
+            bool atEnd = static_cast<std::size_t>(count) < content.size() - filled;
             filled += static_cast<std::size_t>(count);
+            if (atEnd)
+                break;
         }
     }
     ::close(descriptor);
@@ -354,17 +364,30 @@ bool XmlRecordReader::ReadFile()
     return readable;
 }
 
-XmlRecordReader::Outcome XmlRecordReader::Load(std::string& lastGoodFile)
+XmlRecordReader::Outcome XmlRecordReader::Load(LastGoodFile& lastGood)
 {
-    if (!ReadFile())
-        return Failed;
-    if (!lastGoodFile.empty() && content == lastGoodFile)
+    // The stamps of a settled, untouched file vouch for its bytes: one stat
+    // instead of opening and reading it (see LastGoodFile).
+    struct stat status;
+    if (lastGood.IsSettled() && ::stat(path.c_str(), &status) == 0 && lastGood.StillHolds(status))
         return Unchanged;
+    struct timespec statedAt;
+    if (!ReadFile(status, statedAt))
+        return Failed;
+    if (lastGood.SameBytes(content)) {
+        lastGood.Confirm(status, statedAt);
+        return Unchanged;
+    }
     Parse();
     if (!Succeeded())
         return Failed;
-    lastGoodFile.swap(content);
+    lastGood.Remember(content, status, statedAt);
     return Parsed;
+}
+
+std::uint64_t XmlRecordReader::FilesOpened()
+{
+    return FilesRead.load(std::memory_order_relaxed);
 }
 
 std::size_t XmlRecordReader::EventOffset() const

@@ -21,7 +21,7 @@
 //   protected:
 //       void TextRead(int, std::string& text) override { zone.swap(text); }
 //   };
-//   std::string lastGoodFile;   // the loader keeps it from load to load
+//   KivClosed::LastGoodFile lastGoodFile;   // the loader keeps it from load to load
 //   std::vector<std::string> LoadZone(std::string& zone)
 //   {
 //       ZoneReader reader("/etc/x/configuration.xml");
@@ -31,6 +31,8 @@
 //   }
 #ifndef KIV_CLOSED_XMLRECORDREADER_H
 #define KIV_CLOSED_XMLRECORDREADER_H
+
+#include <KivClosed/LastGoodFile.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -98,16 +100,23 @@ public:
     };
 
     /// Reads the whole file, refusing a non-regular file and one above the
-    /// size limit, and parses it unless it holds exactly \p lastGoodFile (an
-    /// empty \p lastGoodFile matches nothing: an empty file is never good).
+    /// size limit, and parses it unless it holds exactly the bytes of
+    /// \p lastGood (an empty file is never good). A settled file whose
+    /// identity and stamps are those \p lastGood remembers is not even read
+    /// (see LastGoodFile).
     /// Parsing calls ElementStarted, TextRead, NumberRead and ElementEnded
     /// for the known elements in document order. The file must be
     /// well-formed XML 1.0 in UTF-8 (libexpat decides), without a document
     /// type declaration, with an XML declaration, if any, of version 1.0 and
     /// encoding UTF-8, and with the table's root element; a fault of that
     /// kind is the only one listed, any other is listed with the rest. After
-    /// a parse without faults the bytes read replace \p lastGoodFile.
-    Outcome Load(std::string& lastGoodFile);
+    /// a parse without faults the bytes read and the file's stamps replace
+    /// those of \p lastGood.
+    Outcome Load(LastGoodFile& lastGood);
+
+    /// How many files the readers of this process have opened so far; tests
+    /// tell by it whether a load read its file.
+    static std::uint64_t FilesOpened();
 
     /// True while no fault has been recorded.
     bool Succeeded() const { return errors.empty(); }
@@ -142,7 +151,7 @@ protected:
     bool ReadTextAttribute(const char* const* attributes, const char* name, std::string& text);
 
 private:
-    bool ReadFile();
+    bool ReadFile(struct stat& status, struct timespec& statedAt);
     void Parse();
 
     /// An element open in the document, known or not.

@@ -16,5 +16,7 @@ kiv_add_test_suite(closed_tests closed LIBRARIES config status kivdiscoveryclien
         DiscoveryReplacementTest.cpp
         DiscoveryRoundTripTest.cpp
         DiscoveryTest.cpp
+        LastGoodFileTest.cpp
         QuoteTest.cpp
-        XmlCharactersTest.cpp)
+        XmlCharactersTest.cpp
+        XmlRecordReaderTest.cpp)
