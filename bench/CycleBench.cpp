@@ -30,6 +30,8 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <chrono>
 #include <unistd.h>
 
 namespace {
@@ -108,6 +110,12 @@ public:
         WriteText(configurationFile, ConfigurationXml());
         WriteText(statusFiles[0], StatusXml(10));
         WriteText(statusFiles[1], StatusXml(20));
+        // On a running unit the configuration has not been written for a
+        // long time. The loaders trust a file's stamps only when its change
+        // time is three seconds old (a write within the same clock tick could
+        // leave them as they were); until then they read it and compare the
+        // bytes. Let the inputs settle so that the steady state is measured.
+        std::this_thread::sleep_for(std::chrono::milliseconds(3500));
         KivPlr::Platform::SetInstance(new KivPlr::LinuxPlatform);
         services = KivPlr::SmartPtr<KivConfig::DiscoverableServices>(
             new KivConfig::DiscoverableServices(config, status, outputDirectory));

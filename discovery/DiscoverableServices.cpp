@@ -82,8 +82,7 @@ void DiscoverableServices::Update()
         }
     }
 
-    std::string metadata;
-    BuildMetadata(metadata);
+    BuildMetadata();
 
     EnterOutputDirectory();
     KivDiscoveryClient::Discovery description(DescriptionName);
@@ -103,13 +102,11 @@ void DiscoverableServices::Update()
     std::fflush(stdout);
 }
 
-void DiscoverableServices::BuildMetadata(std::string& metadata)
+void DiscoverableServices::BuildMetadata()
 {
     configGroup->Refresh();
     stateGroup->Refresh();
 
-    std::string configXml;
-    std::string stateXml;
     configGroup->GetXml(configXml);
     stateGroup->GetXml(stateXml);
 
@@ -119,7 +116,7 @@ void DiscoverableServices::BuildMetadata(std::string& metadata)
         configGroup->ClearChanged();
     }
 
-    metadata = configXml + stateXml + DiscoveryVersion;
+    metadata.assign(configXml).append(stateXml).append(DiscoveryVersion);
 }
 
 void DiscoverableServices::EnterOutputDirectory()

@@ -62,10 +62,10 @@ public:
 private:
     ~DiscoverableServices() override = default;
 
-    /// Refreshes both groups and sets \p metadata to their texts followed by
+    /// Refreshes both groups and sets metadata to their texts followed by
     /// the discovery version; marks the description for writing when a
     /// fragment changed, and clears the providers' flags.
-    void BuildMetadata(std::string& metadata);
+    void BuildMetadata();
     /// Saves the working directory and changes to the output directory.
     void EnterOutputDirectory();
     /// Changes back to the directory saved by EnterOutputDirectory.
@@ -78,6 +78,11 @@ private:
     // A 16-bit port, kept in a full word.
     std::uint32_t managementPort;
     bool dirty;
+    /// The groups' texts and the whole metadata, kept from cycle to cycle so
+    /// that a steady cycle reuses their storage.
+    std::string configXml;
+    std::string stateXml;
+    std::string metadata;
 
     const VpCfg::CConfig& config;
     std::string outputDirectory;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivConfig/MetadataBase.h>
 
+#include <algorithm>
 #include <charconv>
 #include <iterator>
 #include <limits>
@@ -34,22 +35,36 @@ void MetadataBase::AcceptFragment(const std::string& fragment)
     }
 }
 
+void MetadataBase::AcceptFragment(Fragment& fragment)
+{
+    std::string& text = building;
+    fragment.Text();
+    if (text != cachedXml) {
+        // The old text's storage becomes the next fragment's buffer.
+        cachedXml.swap(text);
+        changed = true;
+    }
+}
+
+void MetadataBase::Fragment::MakeRoom(std::size_t count)
+{
+    text.resize(std::max(used + count, 2 * text.size()));
+}
+
 MetadataBase::Fragment& MetadataBase::Fragment::AppendNumber(unsigned long value)
 {
     char digits[std::numeric_limits<unsigned long>::digits10 + 1];
     const std::to_chars_result end = std::to_chars(std::begin(digits), std::end(digits), value);
-    if (!stopped)
-        text.append(digits, end.ptr);
-    return *this;
+    return AppendBytes(digits, static_cast<std::size_t>(end.ptr - digits));
 }
 
 void MetadataBase::WriteElement(Fragment& out, const char* element, const char* value)
 {
-    out.Append("<").Append(element).Append(">");
     // A missing value ends the fragment where it stands, as it always has
     // (the text used to come from a stream that a null value put into its
     // failed state); discovery clients of the family expect exactly that
     // truncated text.
+    out.Append("<").Append(element).Append(">");
     if (value == nullptr)
         out.Stop();
     else

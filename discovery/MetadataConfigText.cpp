@@ -12,9 +12,9 @@ MetadataConfigText::MetadataConfigText(const VpCfg::CConfig& config,
 
 void MetadataConfigText::Refresh()
 {
-    Fragment fragment;
+    Fragment fragment(*this);
     WriteElement(fragment, element, config.*field);
-    AcceptFragment(fragment.Text());
+    AcceptFragment(fragment);
 }
 
 } // namespace KivConfig

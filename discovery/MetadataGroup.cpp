@@ -35,14 +35,15 @@ void MetadataGroup::ClearChanged()
 
 void MetadataGroup::GetXml(std::string& out) const
 {
-    std::string text = "<" + name + ">";
-    std::string fragment;
+    // Built in place: out keeps its capacity from cycle to cycle, and so does
+    // the provider texts' buffer.
+    out.clear();
+    out.append("<").append(name).append(">");
     for (const KivPlr::SmartPtr<IMetadata>& provider : providers) {
         provider->GetXml(fragment);
-        text += fragment;
+        out.append(fragment);
     }
-    text += "</" + name + ">";
-    out = text;
+    out.append("</").append(name).append(">");
 }
 
 } // namespace KivConfig

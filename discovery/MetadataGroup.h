@@ -51,6 +51,8 @@ private:
 
     std::vector<KivPlr::SmartPtr<IMetadata>> providers;
     std::string name;
+    /// Each provider's text in turn while GetXml collects them.
+    mutable std::string fragment;
 };
 
 } // namespace KivConfig

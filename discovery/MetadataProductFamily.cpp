@@ -28,10 +28,10 @@ const char* MetadataProductFamily::ModelText(std::uint32_t modelCode)
 void MetadataProductFamily::Refresh()
 {
     const std::string model = ModelText(status.modelCode);
-    Fragment fragment;
+    Fragment fragment(*this);
     if (!model.empty())
         fragment.Append("<ProductFamily>").Append(model).Append("</ProductFamily>");
-    AcceptFragment(fragment.Text());
+    AcceptFragment(fragment);
 }
 
 } // namespace KivConfig

@@ -9,7 +9,7 @@ MetadataStatusNetwork::MetadataStatusNetwork(const VpSts::CStatus& status) : sta
 
 void MetadataStatusNetwork::Refresh()
 {
-    Fragment fragment(512);
+    Fragment fragment(*this);
     fragment.Append("<Network>");
     for (unsigned int index = 0;; ++index) {
         const VpSts::CNetworkDevice* device = status.networkDeviceList[index];
@@ -20,19 +20,17 @@ void MetadataStatusNetwork::Refresh()
         fragment.Append(R"(<NetworkDevice number=\")")
             .AppendNumber(device->deviceNumber)
             .Append(R"(\">)");
-        // Element name and value, in the order the clients read them.
-        const char* const texts[][2] = {{"Name", device->name},
-                                        {"MAC", device->macAddress},
-                                        {"IPv4", device->ipv4Address},
-                                        {"IPv6", device->ipv6Address},
-                                        {"Gateway", device->gateway},
-                                        {"Subnet", device->subnet}};
-        for (const auto& text : texts)
-            WriteElement(fragment, text[0], text[1]);
+        // The elements in the order the clients read them.
+        WriteTagged(fragment, "<Name>", "</Name>", device->name);
+        WriteTagged(fragment, "<MAC>", "</MAC>", device->macAddress);
+        WriteTagged(fragment, "<IPv4>", "</IPv4>", device->ipv4Address);
+        WriteTagged(fragment, "<IPv6>", "</IPv6>", device->ipv6Address);
+        WriteTagged(fragment, "<Gateway>", "</Gateway>", device->gateway);
+        WriteTagged(fragment, "<Subnet>", "</Subnet>", device->subnet);
         fragment.Append("</NetworkDevice>");
     }
     fragment.Append("</Network>");
-    AcceptFragment(fragment.Text());
+    AcceptFragment(fragment);
 }
 
 } // namespace KivConfig

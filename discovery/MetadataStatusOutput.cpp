@@ -17,7 +17,7 @@ MetadataStatusOutput::MetadataStatusOutput(const VpSts::CStatus& status) : statu
 
 void MetadataStatusOutput::Refresh()
 {
-    Fragment fragment(1024);
+    Fragment fragment(*this);
     fragment.Append("<Outputs>");
     for (unsigned int index = 0;; ++index) {
         const VpSts::COutput* output = status.outputList[index];
@@ -29,19 +29,14 @@ void MetadataStatusOutput::Refresh()
         // the family parse exactly this form.
         fragment.Append(R"(<Output number=\")")
             .AppendNumber(output->outputNumber)
-            .Append(R"(\" i:type=\"Cablor6Type\">)")
-            .Append("<TranslationTable>")
-            .Append("<Rows>")
+            .Append(R"(\" i:type=\"Cablor6Type\"><TranslationTable><Rows>)")
             .AppendNumber(output->translationRows)
-            .Append("</Rows>")
-            .Append("<Columns>")
+            .Append("</Rows><Columns>")
             .AppendNumber(output->translationColumns)
-            .Append("</Columns>")
-            .Append("</TranslationTable>")
-            .Append("</Output>");
+            .Append("</Columns></TranslationTable></Output>");
     }
     fragment.Append("</Outputs>");
-    AcceptFragment(fragment.Text());
+    AcceptFragment(fragment);
 }
 
 } // namespace KivConfig
