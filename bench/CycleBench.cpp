@@ -122,7 +122,14 @@ public:
         // The description bytes each status gives, for the atomic-write floor.
         for (int which = 0; which < 2; ++which) {
             Cycle(statusFiles[which]);
-            description[which] = ReadText(outputDirectory + "/Management");
+            description[which] = ReadText(outputDirectory + "/Management.xml");
+            // An empty text would make the anchor's write far cheaper than
+            // the project's (no data block to flush or free).
+            if (description[which].empty()) {
+                std::fprintf(stderr, "CycleBench: the cycle wrote no Management.xml in %s\n",
+                             outputDirectory.c_str());
+                std::exit(1);
+            }
         }
     }
 
