@@ -28,6 +28,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <net/if.h>
 #include <netinet/in.h>
@@ -214,6 +215,10 @@ public:
     AnnouncementListener(const std::string& space, const std::string& work) : space(space), work(work) {}
     ~AnnouncementListener() { Stop(); }
 
+    /// Makes the listener note \p count's answer when it first hears a
+    /// datagram holding its stop text (see CyclesAtFirstMatch).
+    void CountCyclesWith(std::function<unsigned()> count) { cycleCounter = std::move(count); }
+
     /// True once the listener has joined the group.
     bool Start(const std::string& stopText, unsigned wanted)
     {
@@ -221,6 +226,7 @@ public:
         std::string heardFile = work + "/listener.heard";
         unlink(readyFile.c_str());
         unlink(heardFile.c_str());
+        unlink((work + "/listener.cycles").c_str());
         child = fork();
         if (child == 0) {
             prctl(PR_SET_PDEATHSIG, SIGKILL);
@@ -250,6 +256,14 @@ public:
             at += 9 + size;
         }
         return datagrams;
+    }
+
+    /// What the counter of CountCyclesWith answered when the first datagram
+    /// with the stop text came in; -1 when none came.
+    long CyclesAtFirstMatch() const
+    {
+        std::string noted = ReadFile(work + "/listener.cycles");
+        return noted.empty() ? -1 : std::strtol(noted.c_str(), nullptr, 10);
     }
 
 private:
@@ -285,8 +299,11 @@ private:
             std::snprintf(length, sizeof length, "%08zu\n", datagram.size());
             heard += length + datagram;
             WriteFile(heardFile, heard);
-            if (datagram.find(stopText) != std::string::npos)
+            if (datagram.find(stopText) != std::string::npos) {
+                if (found == 0 && cycleCounter)
+                    WriteFile(work + "/listener.cycles", std::to_string(cycleCounter()));
                 ++found;
+            }
         }
     }
 
@@ -310,6 +327,7 @@ private:
     std::string space;
     std::string work;
     pid_t child = -1;
+    std::function<unsigned()> cycleCounter;
 };
 
 /// The messages among \p datagrams that read as WS-Discovery.
@@ -379,6 +397,17 @@ public:
     pid_t Responder() const { return responder; }
 
     std::string ResponderErrors() const { return ReadFile(work + "/responder.stderr"); }
+
+    /// The cycles discoveryd has finished: each prints the saved line.
+    unsigned CompletedCycles() const
+    {
+        const std::string output = ReadFile(work + "/discoveryd.out");
+        const std::string line = "saving management service description file";
+        unsigned cycles = 0;
+        for (std::size_t at = output.find(line); at != std::string::npos; at = output.find(line, at + line.size()))
+            ++cycles;
+        return cycles;
+    }
 
     /// Ends the supervisor and what it runs, waiting a bounded time.
     void Stop()
@@ -640,9 +669,19 @@ TEST_F(WsDiscoveryNetworkTest, ChangedComputerNameReachesTheClientAsHelloWithAHi
     ASSERT_GE(versionBefore, 1u) << before.standardOutput;
 
     AnnouncementListener listener(network.Client(), work.Path());
+    listener.CountCyclesWith([this] { return unit.CompletedCycles(); });
     ASSERT_TRUE(listener.Start("unit-8", 2)) << "the listener did not join the group";
+    unsigned cyclesAtChange = unit.CompletedCycles();
     ASSERT_TRUE(ReplaceFile(unit.ConfigurationFile(), Configuration("unit-8")));
     std::vector<KivWsd::WsdMessage> heard = ReadAll(listener.Heard());
+    // The first cycle that starts after the change reads the new name; one
+    // that was already past its configuration load finishes first. The
+    // Hello must come before the cycle after those two has finished.
+    long cyclesAtHello = listener.CyclesAtFirstMatch();
+    ASSERT_GE(cyclesAtHello, 0) << "no datagram with the new name was heard";
+    EXPECT_LE(cyclesAtHello, static_cast<long>(cyclesAtChange) + 2)
+        << "discoveryd finished " << cyclesAtHello - static_cast<long>(cyclesAtChange)
+        << " cycles after the change before the Hello came";
 
     bool hello2005 = false;
     bool hello2009 = false;
