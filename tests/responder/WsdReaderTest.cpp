@@ -41,6 +41,16 @@ std::string Envelope2005(const std::string& action, const std::string& body, con
            "</s:Header><s:Body>" + body + "</s:Body></s:Envelope>";
 }
 
+// The 2005/04 envelope of \p action around \p body with its first \p from
+// (a namespace it declares) turned into \p to.
+std::string Envelope2005With(const std::string& action, const std::string& body, const std::string& from,
+                             const std::string& to)
+{
+    std::string datagram = Envelope2005(action, body);
+    datagram.replace(datagram.find(from), from.size(), to);
+    return datagram;
+}
+
 struct Outcome
 {
     bool accepted;
@@ -252,22 +262,16 @@ TEST(WsdReaderTest, RefusesEmptyDatagram)
 
 TEST(WsdReaderTest, RefusesSoap11Envelope)
 {
-    std::string datagram = Envelope2005("Probe", "<d:Probe/>");
-    datagram.replace(datagram.find("http://www.w3.org/2003/05/soap-envelope"),
-                     std::string("http://www.w3.org/2003/05/soap-envelope").size(),
-                     "http://schemas.xmlsoap.org/soap/envelope/");
-    Outcome outcome = Read(datagram);
+    Outcome outcome = Read(Envelope2005With("Probe", "<d:Probe/>", "http://www.w3.org/2003/05/soap-envelope",
+                                            "http://schemas.xmlsoap.org/soap/envelope/"));
     EXPECT_FALSE(outcome.accepted);
     EXPECT_EQ(outcome.error, "not a WS-Discovery message: the root element is not a SOAP 1.2 Envelope");
 }
 
 TEST(WsdReaderTest, RefusesMessageThatMixesTheNamespacesOfBothVersions)
 {
-    std::string datagram = Envelope2005("Probe", "<d:Probe/>");
-    datagram.replace(datagram.find("http://schemas.xmlsoap.org/ws/2004/08/addressing"),
-                     std::string("http://schemas.xmlsoap.org/ws/2004/08/addressing").size(),
-                     "http://www.w3.org/2005/08/addressing");
-    Outcome outcome = Read(datagram);
+    Outcome outcome = Read(Envelope2005With("Probe", "<d:Probe/>", "http://schemas.xmlsoap.org/ws/2004/08/addressing",
+                                            "http://www.w3.org/2005/08/addressing"));
     EXPECT_FALSE(outcome.accepted);
     EXPECT_EQ(outcome.error, "not a WS-Discovery message: it mixes the namespaces of both versions");
 }
