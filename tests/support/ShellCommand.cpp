@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <KivTest/ShellCommand.h>
 
+#include <KivTest/Emulation.h>
+
 #include <unistd.h>
 
 namespace KivTest {
@@ -23,6 +25,11 @@ std::string ShellQuote(const std::string& text)
             quoted += character;
     }
     return quoted + "'";
+}
+
+ChildOutcome RunOwnProgram(const std::string& program, const std::string& arguments)
+{
+    return RunShellCommand(EmulatorPrefix() + ShellQuote(program) + " " + arguments);
 }
 
 } // namespace KivTest

@@ -11,6 +11,7 @@
 //   std::string program = "/usr/local/sbin/statuscollector";
 //   ChildOutcome outcome = RunShellCommand(EmulatorPrefix() + program + " -nolog");
 //   EXPECT_EQ(outcome.exitStatus, 0) << Describe(outcome);
+//   EXPECT_EQ(RunOwnProgram(program, "--help").exitStatus, 0);
 #ifndef KIV_TESTS_SHELLCOMMAND_H
 #define KIV_TESTS_SHELLCOMMAND_H
 
@@ -27,6 +28,10 @@ ChildOutcome RunShellCommand(const std::string& commandLine);
 /// \p text in single quotes for a shell command line, any quotes in it
 /// escaped.
 std::string ShellQuote(const std::string& text);
+
+/// Runs one of our own \p program with \p arguments (already quoted as the
+/// shell wants them), through the emulator when there is one.
+ChildOutcome RunOwnProgram(const std::string& program, const std::string& arguments);
 
 } // namespace KivTest
 

@@ -3,7 +3,6 @@
 // standard output with status 0, a wrong command line with status 2 and
 // the reason and usage on standard error.
 
-#include <KivTest/Emulation.h>
 #include <KivTest/ShellCommand.h>
 
 #include <gtest/gtest.h>
@@ -16,8 +15,7 @@ namespace {
 
 ChildOutcome RunBrowse(const std::string& arguments)
 {
-    return KivTest::RunShellCommand(KivTest::EmulatorPrefix() + KivTest::ShellQuote(KIV_DISCOVERY_BROWSE_PROGRAM) +
-                                    " " + arguments);
+    return KivTest::RunOwnProgram(KIV_DISCOVERY_BROWSE_PROGRAM, arguments);
 }
 
 const char UsageStart[] = "usage: discovery-browse [--type PREFIX:LOCAL]... [--type-namespace URI]\n";

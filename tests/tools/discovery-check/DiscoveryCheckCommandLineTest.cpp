@@ -2,7 +2,6 @@
 // discovery-check answers --help and --version on standard output, as the
 // command-line conventions of packaged programs expect.
 
-#include <KivTest/Emulation.h>
 #include <KivTest/ShellCommand.h>
 
 #include <gtest/gtest.h>
@@ -15,8 +14,7 @@ namespace {
 
 ChildOutcome RunCheck(const std::string& arguments)
 {
-    return KivTest::RunShellCommand(KivTest::EmulatorPrefix() + KivTest::ShellQuote(KIV_DISCOVERY_CHECK_PROGRAM) + " " +
-                                    arguments);
+    return KivTest::RunOwnProgram(KIV_DISCOVERY_CHECK_PROGRAM, arguments);
 }
 
 } // namespace
