@@ -27,9 +27,9 @@ const char* MetadataProductFamily::ModelText(std::uint32_t modelCode)
 
 void MetadataProductFamily::Refresh()
 {
-    const std::string model = ModelText(status.modelCode);
+    const char* model = ModelText(status.modelCode);
     Fragment fragment(*this);
-    if (!model.empty())
+    if (model[0] != '\0')
         fragment.Append("<ProductFamily>").Append(model).Append("</ProductFamily>");
     AcceptFragment(fragment);
 }
