@@ -37,11 +37,10 @@ void MetadataBase::AcceptFragment(const std::string& fragment)
 
 void MetadataBase::AcceptFragment(Fragment& fragment)
 {
-    std::string& text = building;
-    fragment.Text();
-    if (text != cachedXml) {
+    // Text() trims this provider's buffer, building, to what was written.
+    if (fragment.Text() != cachedXml) {
         // The old text's storage becomes the next fragment's buffer.
-        cachedXml.swap(text);
+        cachedXml.swap(building);
         changed = true;
     }
 }
