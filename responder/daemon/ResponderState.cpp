@@ -2,6 +2,7 @@
 #include <KivResponder/ResponderState.h>
 
 #include <KivPlr/core/Result.h>
+#include <KivPlr/core/StringAlgorithms.h>
 #include <KivPlr/core/Uuid.h>
 
 #include <algorithm>
@@ -104,16 +105,12 @@ bool ReadNumber(const std::string& text, std::uint64_t highest, std::uint64_t& v
     return true;
 }
 
-std::string FormatUuid(const unsigned char* bytes)
+std::string FormatUuid(const unsigned char (&bytes)[16])
 {
-    static const char digits[] = "0123456789abcdef";
     std::string text;
-    for (int index = 0; index < 16; ++index) {
-        if (index == 4 || index == 6 || index == 8 || index == 10)
-            text += '-';
-        text += digits[bytes[index] >> 4];
-        text += digits[bytes[index] & 0x0f];
-    }
+    KivPlr::StringAlgorithms::FromPackedU8(std::vector<unsigned char>(bytes, bytes + 16), text);
+    for (std::size_t dash : {8, 13, 18, 23})
+        text.insert(dash, 1, '-');
     return text;
 }
 
@@ -228,8 +225,7 @@ void ResponderState::ReadEntry(const std::string& rest, const std::string& where
     // Two lines for one name (only by hand): the higher version wins, so no
     // version goes out twice.
     if (versionValue >= entry.metadataVersion) {
-        for (char& character : uuid)
-            character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+        KivPlr::StringAlgorithms::ToLower(uuid);
         entry.endpointUuid = uuid;
         entry.metadataVersion = static_cast<std::uint32_t>(versionValue);
         entry.fingerprint = fingerprint;
