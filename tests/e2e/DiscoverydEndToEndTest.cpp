@@ -12,6 +12,7 @@
 
 #include <KivTest/ChildProcess.h>
 #include <KivTest/Emulation.h>
+#include <KivTest/Faketime.h>
 #include <KivTest/MountNamespace.h>
 #include <KivTest/RecordingCollector.h>
 #include <KivTest/SampleStatus.h>
@@ -67,16 +68,6 @@ double RealNow()
     struct timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
-
-/// Why faketime cannot speed up a sleep here, or empty when it can.
-std::string FaketimeProblem()
-{
-    KivTest::ChildOutcome probe = KivTest::RunShellCommand(
-        std::string("command -v faketime >/dev/null && timeout 60 faketime -f '") + SpeedUp + "' sleep 300");
-    if (probe.exited && probe.exitStatus == 0)
-        return "";
-    return "faketime cannot let sleep(300) pass quickly here (" + KivTest::Describe(probe) + ")";
 }
 
 /// A pseudo terminal in raw mode: the daemon's standard output is line
@@ -208,7 +199,7 @@ TEST(DiscoverydEndToEndTest, PublishesOnlyChangesOverManyCyclesAndSurvivesBadInp
     std::string reason;
     if (!MountNamespace::Available(reason))
         GTEST_SKIP() << reason;
-    std::string problem = FaketimeProblem();
+    std::string problem = KivTest::FaketimeProblem(SpeedUp);
     if (!problem.empty())
         GTEST_SKIP() << problem;
 

@@ -12,6 +12,7 @@
 #include "WsdTestNetwork.h"
 
 #include <KivTest/ChildProcess.h>
+#include <KivTest/Faketime.h>
 #include <KivTest/MountNamespace.h>
 #include <KivTest/ShellCommand.h>
 #include <KivTest/TemporaryDirectory.h>
@@ -94,16 +95,6 @@ bool ReplaceFile(const std::string& file, const std::string& content)
 {
     std::string temporary = file + ".new";
     return WriteFile(temporary, content) && std::rename(temporary.c_str(), file.c_str()) == 0;
-}
-
-/// Why faketime cannot speed up a sleep here, or empty when it can.
-std::string FaketimeProblem()
-{
-    ChildOutcome probe = KivTest::RunShellCommand("command -v faketime >/dev/null && timeout 60 faketime -f '+0 x300' "
-                                                  "sleep 300");
-    if (probe.exited && probe.exitStatus == 0)
-        return "";
-    return "faketime cannot let sleep(300) pass quickly here (" + KivTest::Describe(probe) + ")";
 }
 
 /// A message ID of the test's own probes, distinct for each \p number.
@@ -521,7 +512,7 @@ protected:
         if (reason.empty() && !MountNamespace::Available(mountReason))
             reason = mountReason;
         if (reason.empty())
-            reason = FaketimeProblem();
+            reason = KivTest::FaketimeProblem("+0 x300");
         if (!reason.empty())
             GTEST_SKIP() << reason;
         for (const char* covered : {"/home", "/var/lib", "/dev/shm", "/usr/local/sbin"})
