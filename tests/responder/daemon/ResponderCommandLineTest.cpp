@@ -2,7 +2,6 @@
 // The program itself, for what needs neither root nor a network: the
 // command line and a start that cannot succeed. Its work on a network is
 // shown by the namespace tests in tests/e2e.
-#include <KivTest/Emulation.h>
 #include <KivTest/FakeSyslogSocket.h>
 #include <KivTest/ShellCommand.h>
 #include <KivTest/TemporaryDirectory.h>
@@ -22,8 +21,7 @@ namespace {
 
 ChildOutcome RunResponder(const std::string& arguments)
 {
-    return KivTest::RunShellCommand(KivTest::EmulatorPrefix() + ShellQuote(KIV_DISCOVERY_RESPONDER_PROGRAM) + " " +
-                                    arguments);
+    return KivTest::RunOwnProgram(KIV_DISCOVERY_RESPONDER_PROGRAM, arguments);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 # a temporary directory, the command line (also of the program), and the
 # responder behind a recording sender. The network-namespace tests are in tests/e2e.
 kiv_add_test_suite(discovery_responder_tests responder/daemon LIBRARIES discovery_responder_core
+    PROGRAM discovery-responder MACRO KIV_DISCOVERY_RESPONDER_PROGRAM
     SOURCES
         DescriptionWatcherTest.cpp
         InterfaceTableTest.cpp
@@ -14,9 +15,3 @@ kiv_add_test_suite(discovery_responder_tests responder/daemon LIBRARIES discover
         ResponderOptionsTest.cpp
         ResponderStateTest.cpp
         ResponderTest.cpp)
-if(TARGET discovery_responder_tests)
-    add_dependencies(discovery_responder_tests discovery-responder)
-    target_compile_definitions(discovery_responder_tests PRIVATE
-        KIV_DISCOVERY_RESPONDER_PROGRAM="$<TARGET_FILE:discovery-responder>"
-        KIV_PROJECT_VERSION="${PROJECT_VERSION}")
-endif()

@@ -4,7 +4,6 @@
 
 #include <KivDiscoveryClient/Discovery.h>
 #include <KivTest/BadRecordFiles.h>
-#include <KivTest/Emulation.h>
 #include <KivTest/ShellCommand.h>
 #include <KivTest/TemporaryDirectory.h>
 #include <KivTest/WorkingDirectoryGuard.h>
@@ -25,8 +24,7 @@ class DiscoveryCheckTest : public ::testing::Test
 protected:
     ChildOutcome Run(const std::string& arguments)
     {
-        return KivTest::RunShellCommand(KivTest::EmulatorPrefix() + KivTest::ShellQuote(KIV_DISCOVERY_CHECK_PROGRAM) +
-                                        " " + arguments);
+        return KivTest::RunOwnProgram(KIV_DISCOVERY_CHECK_PROGRAM, arguments);
     }
 
     ChildOutcome Check(const std::string& kind, const std::string& path)

@@ -3,7 +3,6 @@
 // collects nothing.
 
 #include <KivTest/DirectoryListing.h>
-#include <KivTest/Emulation.h>
 #include <KivTest/ShellCommand.h>
 #include <KivTest/TemporaryDirectory.h>
 
@@ -23,8 +22,8 @@ protected:
     /// that a snapshot written by mistake shows up there.
     ChildOutcome RunCollector(const std::string& arguments)
     {
-        return KivTest::RunShellCommand(KivTest::EmulatorPrefix() + ShellQuote(KIV_STATUSCOLLECTOR_PROGRAM) +
-                                        " -output " + ShellQuote(directory.Path() + "/status.xml") + " " + arguments);
+        return KivTest::RunOwnProgram(KIV_STATUSCOLLECTOR_PROGRAM,
+                                      "-output " + ShellQuote(directory.Path() + "/status.xml") + " " + arguments);
     }
 
     KivTest::TemporaryDirectory directory;
